@@ -1,0 +1,34 @@
+# Test programs: GoogleTest from the build machine's sources, and a list of all programs for scripts/test.
+set(gtest_root /usr/src/googletest)
+add_library(gtest STATIC ${gtest_root}/googletest/src/gtest-all.cc ${gtest_root}/googlemock/src/gmock-all.cc)
+target_include_directories(gtest SYSTEM PUBLIC ${gtest_root}/googletest/include ${gtest_root}/googlemock/include)
+target_include_directories(gtest PRIVATE ${gtest_root}/googletest ${gtest_root}/googlemock)
+if(WIN32)
+    target_compile_definitions(gtest PUBLIC GTEST_HAS_PTHREAD=0)
+elseif(ZONWICK_SANITIZE)
+    target_compile_options(gtest PUBLIC -fsanitize=${ZONWICK_SANITIZE})
+endif()
+
+# zonwick_add_test(NAME SOURCES ... [LIBRARIES ...] [TIMEOUT seconds] [DISPLAY])
+# A test program with the shared main of tests/support. TIMEOUT (default 120) is a watchdog, not a measure; DISPLAY says
+# that it needs a screen.
+function(zonwick_add_test name)
+    cmake_parse_arguments(arg "DISPLAY" "TIMEOUT" "SOURCES;LIBRARIES" ${ARGN})
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE test_support ${arg_LIBRARIES} zonwick_options)
+    if(NOT arg_TIMEOUT)
+        set(arg_TIMEOUT 120)
+    endif()
+    set(display 0)
+    if(arg_DISPLAY)
+        set(display 1)
+    endif()
+    set_property(GLOBAL APPEND PROPERTY zonwick_tests "${name} ${arg_TIMEOUT} ${display}")
+endfunction()
+
+# Writes tests.txt in the build tree: program, watchdog in seconds, 1 when it needs a screen.
+function(zonwick_write_test_list)
+    get_property(tests GLOBAL PROPERTY zonwick_tests)
+    list(JOIN tests "\n" text)
+    file(WRITE ${CMAKE_BINARY_DIR}/tests.txt "${text}\n")
+endfunction()
