@@ -12,11 +12,11 @@ struct IConfigHost : IDispatch {
     // 9: the document stack whose pages are shown; the caller owns the reference.
     virtual HRESULT STDMETHODCALLTYPE GetQuire(IQuire** quire) = 0;
 };
-__CRT_UUID_DECL(IConfigHost, ZONWICK_IID_CONFIG_HOST)
+ZONWICK_UUID(IConfigHost, ZONWICK_IID_CONFIG_HOST)
 
 // Obtained by querying IConfigHost. Begin and End bracket one page configuration.
 struct IConfigScope : IDispatch {
     virtual HRESULT STDMETHODCALLTYPE Begin() = 0;  // 7
     virtual HRESULT STDMETHODCALLTYPE End() = 0;    // 8
 };
-__CRT_UUID_DECL(IConfigScope, ZONWICK_IID_CONFIG_SCOPE)
+ZONWICK_UUID(IConfigScope, ZONWICK_IID_CONFIG_SCOPE)

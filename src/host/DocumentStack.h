@@ -11,7 +11,7 @@ struct IImageData : IDispatch {
     // 7: the encoded image: one dimension of VT_UI1. The caller destroys it.
     virtual HRESULT STDMETHODCALLTYPE GetBytes(SAFEARRAY** bytes) = 0;
 };
-__CRT_UUID_DECL(IImageData, ZONWICK_IID_IMAGE_DATA)
+ZONWICK_UUID(IImageData, ZONWICK_IID_IMAGE_DATA)
 
 struct IImageSource : IDispatch {
     virtual HRESULT STDMETHODCALLTYPE Reserved7() = 0;
@@ -23,7 +23,7 @@ struct IImageSource : IDispatch {
     // 13: an object to be queried for IImageData.
     virtual HRESULT STDMETHODCALLTYPE GetData(IUnknown** data) = 0;
 };
-__CRT_UUID_DECL(IImageSource, ZONWICK_IID_IMAGE_SOURCE)
+ZONWICK_UUID(IImageSource, ZONWICK_IID_IMAGE_SOURCE)
 
 struct IQuirePage : IDispatch {
     virtual HRESULT STDMETHODCALLTYPE Reserved7() = 0;
@@ -33,7 +33,7 @@ struct IQuirePage : IDispatch {
     // 11
     virtual HRESULT STDMETHODCALLTYPE GetImageSource(IImageSource** source) = 0;
 };
-__CRT_UUID_DECL(IQuirePage, ZONWICK_IID_QUIRE_PAGE)
+ZONWICK_UUID(IQuirePage, ZONWICK_IID_QUIRE_PAGE)
 
 struct IQuireDocument : IDispatch {
     // 7: number of pages.
@@ -42,7 +42,7 @@ struct IQuireDocument : IDispatch {
     // 9: the page at a 0-based index; may be null.
     virtual HRESULT STDMETHODCALLTYPE GetItem(LONG index, IQuirePage** page) = 0;
 };
-__CRT_UUID_DECL(IQuireDocument, ZONWICK_IID_QUIRE_DOCUMENT)
+ZONWICK_UUID(IQuireDocument, ZONWICK_IID_QUIRE_DOCUMENT)
 
 struct IQuire : IDispatch {
     // 7: number of documents.
@@ -51,4 +51,4 @@ struct IQuire : IDispatch {
     // 9: the document at a 0-based index; may be null.
     virtual HRESULT STDMETHODCALLTYPE GetItem(LONG index, IQuireDocument** document) = 0;
 };
-__CRT_UUID_DECL(IQuire, ZONWICK_IID_QUIRE)
+ZONWICK_UUID(IQuire, ZONWICK_IID_QUIRE)

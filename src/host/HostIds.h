@@ -52,6 +52,9 @@
 #define ZONWICK_LIBID_FOLIUM 0x3bbe6f07, 0xf3c6, 0x44e7, 0xa2, 0xdd, 0x29, 0x75, 0x49, 0x59, 0x26, 0x4d
 // clang-format on
 
+// Gives an interface its identifier for __uuidof: ZONWICK_UUID(IFolium, ZONWICK_IID_FOLIUM).
+#define ZONWICK_UUID(...) __CRT_UUID_DECL(__VA_ARGS__)
+
 namespace host {
 
 // Turns the numbers of one of the names above into a GUID: MakeGuid(ZONWICK_CLSID_FOLIUM).

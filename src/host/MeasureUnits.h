@@ -1,6 +1,6 @@
 #pragma once
-// The host's unit object: knows the user's measurement system and converts lengths. Internal lengths are whole tenths of
-// a millimetre, user lengths are millimetres in the metric system and inches otherwise.
+// The host's unit object: knows the user's measurement system and converts lengths. Internal lengths are whole tenths
+// of a millimetre, user lengths are millimetres in the metric system and inches otherwise.
 
 #include <oaidl.h>
 
@@ -25,4 +25,4 @@ struct IMeasureUnits : IUnknown {
     // 15: an internal length as display text in the user's unit; the caller frees it.
     virtual HRESULT STDMETHODCALLTYPE FormatValue(LONG length, BSTR* text) = 0;
 };
-__CRT_UUID_DECL(IMeasureUnits, ZONWICK_IID_MEASURE_UNITS)
+ZONWICK_UUID(IMeasureUnits, ZONWICK_IID_MEASURE_UNITS)

@@ -87,7 +87,7 @@ struct IFolium : IUnknown {
     // 34: sets the rectangle's bounds; may fire RectChanged.
     virtual HRESULT STDMETHODCALLTYPE UpdateRect(LONG id, const FoliumRect* rect) = 0;
 };
-__CRT_UUID_DECL(IFolium, ZONWICK_IID_FOLIUM)
+ZONWICK_UUID(IFolium, ZONWICK_IID_FOLIUM)
 
 // Events: methods of the outgoing dispatch interface kDiidFoliumEvents; all parameters are VT_I4.
 enum FoliumEvent : DISPID {

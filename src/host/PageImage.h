@@ -9,7 +9,7 @@ struct IPageImage : IUnknown {
     // 3: width and height of the page in tenths of a millimetre.
     virtual HRESULT STDMETHODCALLTYPE GetSize(SIZE* size) = 0;
 };
-__CRT_UUID_DECL(IPageImage, ZONWICK_IID_PAGE_IMAGE)
+ZONWICK_UUID(IPageImage, ZONWICK_IID_PAGE_IMAGE)
 
 struct IImageLoader : IUnknown {
     // 3: takes a copy of `length` bytes of an encoded image and decodes them.
@@ -23,4 +23,4 @@ struct IImageLoader : IUnknown {
     virtual HRESULT STDMETHODCALLTYPE CreateBlank(LONG width, LONG height, LONG xResolution, LONG yResolution,
                                                   LONG reserved) = 0;
 };
-__CRT_UUID_DECL(IImageLoader, ZONWICK_IID_IMAGE_LOADER)
+ZONWICK_UUID(IImageLoader, ZONWICK_IID_IMAGE_LOADER)

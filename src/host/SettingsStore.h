@@ -34,7 +34,7 @@ struct ISettingsNode : IUnknown {
     virtual HRESULT STDMETHODCALLTYPE Reserved19() = 0;
     virtual HRESULT STDMETHODCALLTYPE SetBool(BSTR name, VARIANT_BOOL value) = 0;
 };
-__CRT_UUID_DECL(ISettingsNode, ZONWICK_IID_SETTINGS_NODE)
+ZONWICK_UUID(ISettingsNode, ZONWICK_IID_SETTINGS_NODE)
 
 // Copies whole trees between nodes, of the same store or of different ones.
 struct ISettingsTransfer : IDispatch {
@@ -43,4 +43,4 @@ struct ISettingsTransfer : IDispatch {
     // 8: the target is emptied.
     virtual HRESULT STDMETHODCALLTYPE ClearNode(ISettingsNode* target) = 0;
 };
-__CRT_UUID_DECL(ISettingsTransfer, ZONWICK_IID_SETTINGS_TRANSFER)
+ZONWICK_UUID(ISettingsTransfer, ZONWICK_IID_SETTINGS_TRANSFER)

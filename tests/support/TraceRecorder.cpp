@@ -18,7 +18,9 @@ void Record(int severity, const char* source, std::wstring text) {
 
 namespace test {
 
-std::vector<TraceLine> TakeTraces() { return std::exchange(g_lines, {}); }
+std::vector<TraceLine> TakeTraces() {
+    return std::exchange(g_lines, {});
+}
 
 std::vector<std::wstring> TakeTraceTexts() {
     std::vector<std::wstring> texts;

@@ -1,0 +1,42 @@
+// The two settings nodes of the module object.
+#include "module/ZonwickApp.h"
+
+namespace {
+
+using win32::CallHost;
+
+void CopyOver(ISettingsNode* target, ISettingsNode* source) {
+    const auto transfer = win32::CreateHostObject<ISettingsTransfer>(host::kClsidSettingsTransfer);
+    CallHost(transfer.GetInterfacePtr(), &ISettingsTransfer::ClearNode, target);
+    CallHost(transfer.GetInterfacePtr(), &ISettingsTransfer::CopyNode, target, source);
+}
+
+}  // namespace
+
+void CZonwickApp::SetHostSettings(ISettingsNode* node) {
+    if (m_pHostNode.GetInterfacePtr() != node) m_pHostNode = node;
+    m_pWorkingNode = nullptr;
+    // Without a working node every later load fails and says so.
+    void* working = nullptr;
+    if (SUCCEEDED(win32::CreateRunningObject(host::kClsidSettingsNode, __uuidof(ISettingsNode), &working))) {
+        m_pWorkingNode.Attach(static_cast<ISettingsNode*>(working));
+    }
+    RefreshFromHost();
+}
+
+void CZonwickApp::RefreshFromHost() {
+    if (m_pHostNode == nullptr || m_pWorkingNode == nullptr) return;
+    try {
+        CopyOver(m_pWorkingNode, m_pHostNode);
+    } catch (...) {
+        m_pWorkingNode = nullptr;
+        GetAreaSetManager()->Forget();
+        throw;
+    }
+    GetAreaSetManager()->ReloadSettings();
+}
+
+void CZonwickApp::CommitToHost() {
+    if (m_pHostNode == nullptr || m_pWorkingNode == nullptr) return;
+    CopyOver(m_pHostNode, m_pWorkingNode);
+}

@@ -1,0 +1,49 @@
+#include "module/ZonwickApp.h"
+
+#include "host/Controls.h"
+#include "host/Language.h"
+#include "host/Support.h"
+#include "module/TraceHost.h"
+
+namespace {
+
+SettingsNodePtr GetWorkingNode() {
+    ISettingsNodePtr node = GetApp().GetSettingsNode();
+    return node != nullptr ? std::make_unique<ComSettingsNode>(std::move(node)) : nullptr;
+}
+
+// In this order: the manager outlives the module object.
+CAreaSetManager g_manager{GetWorkingNode};
+CZonwickApp g_app;
+AreaColors g_colors;
+
+}  // namespace
+
+CZonwickApp& GetApp() {
+    return g_app;
+}
+CAreaSetManager* GetAreaSetManager() {
+    return &g_manager;
+}
+AreaColors& GetAreaColors() {
+    return g_colors;
+}
+
+CZonwickApp::~CZonwickApp() {
+    m_pQuire = nullptr;
+    m_pHostNode = nullptr;
+    m_pWorkingNode = nullptr;
+}
+
+void CZonwickApp::InitInstance(HINSTANCE instance) {
+    trace::SetTraceInstance(instance);
+    m_resources = CLang::GetResourceHandle(instance);
+    CLogBase::InitImpl(L"", instance, m_resources);
+    if (const wchar_t* name = HostApplicationName()) m_applicationName = name;
+}
+
+void CZonwickApp::Abandon() noexcept {
+    m_pQuire.Detach();
+    m_pHostNode.Detach();
+    m_pWorkingNode.Detach();
+}

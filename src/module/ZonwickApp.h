@@ -1,0 +1,65 @@
+#pragma once
+// The module object: the one instance that holds what the module keeps between calls of the host.
+
+#include <windows.h>
+
+#include "host/DocumentStack.h"
+#include "store/AreaSetManager.h"
+#include "store/ComSettingsNode.h"
+
+_COM_SMARTPTR_TYPEDEF(IQuire, __uuidof(IQuire));
+
+// Used on the host's window thread, without a lock.
+class CZonwickApp {
+public:
+    CZonwickApp() = default;
+    ~CZonwickApp();
+    CZonwickApp(const CZonwickApp&) = delete;
+    CZonwickApp& operator=(const CZonwickApp&) = delete;
+
+    // Called when the DLL is attached, under the loader lock: logger, resources, application name.
+    void InitInstance(HINSTANCE instance);
+    // Called when the process ends with the DLL still loaded: the host's libraries may be gone already, so its objects
+    // are left alone.
+    void Abandon() noexcept;
+
+    // The module's settings nodes. The host's node is written by CommitToHost alone; the working node is a copy of it
+    // in which the sets and all settings of the dialogs live.
+    //
+    // The working node with a reference for the caller; null when there is none.
+    ISettingsNodePtr GetSettingsNode() const { return m_pWorkingNode; }
+    // Keeps the host's node (null lets go of it), makes a fresh working node and fills it.
+    void SetHostSettings(ISettingsNode* node);
+    // Makes the working node a copy of the host's and loads the sets anew; nothing when either is missing. When a host
+    // call fails it is thrown, the working node is dropped and the sets are forgotten: what is half filled is never
+    // used.
+    void RefreshFromHost();
+    // Makes the host's node a copy of the working node; nothing when either is missing. A failing host call is thrown.
+    void CommitToHost();
+
+    // Where dialogs, menus and strings come from.
+    HINSTANCE GetResourceInstance() const { return m_resources; }
+    const std::wstring& GetApplicationName() const { return m_applicationName; }
+
+private:
+    ISettingsNodePtr m_pWorkingNode;
+    ISettingsNodePtr m_pHostNode;
+    IQuirePtr m_pQuire;
+    int32_t m_nDefaultDoc = 0;
+    int32_t m_nDefaultPage = 0;
+
+    HINSTANCE m_resources = nullptr;
+    std::wstring m_applicationName;
+};
+
+// The module object and the manager of all area sets. The manager is the older and lives longer.
+CZonwickApp& GetApp();
+CAreaSetManager* GetAreaSetManager();
+
+// The colours of areas in dialogs to be opened.
+struct AreaColors {
+    COLORREF first = 0x00FFFFFF;
+    COLORREF second = 0x00FFFFFF;
+    COLORREF third = 0x00000000;
+};
+AreaColors& GetAreaColors();

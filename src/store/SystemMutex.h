@@ -1,0 +1,39 @@
+#pragma once
+
+#include <atomic>
+#include <thread>
+
+// A named system mutex, shared by all processes of the Windows session and re-entrant for its owning thread. Nested
+// locks of the owner are counted in memory; the system's mutex is taken once. A mutex that its owner left behind by
+// ending counts as acquired, with one trace.
+//
+// Natively the name is ignored and the lock is between threads of the process only.
+class CSystemMutex {
+public:
+    // Opens the mutex by name, or creates it; does not take it. When neither is possible, Lock traces that and goes on.
+    explicit CSystemMutex(const wchar_t* name) noexcept;
+    ~CSystemMutex();
+    CSystemMutex(const CSystemMutex&) = delete;
+    CSystemMutex& operator=(const CSystemMutex&) = delete;
+
+    void Lock() noexcept;  // waits without a time limit
+    void Unlock() noexcept;
+
+private:
+    void* m_handle = nullptr;
+    std::atomic<std::thread::id> m_owner{};
+    int m_depth = 0;      // of the owner
+    bool m_held = false;  // the wait succeeded, so there is something to release
+};
+
+// Holds the mutex for its own life.
+class CSystemLock {
+public:
+    explicit CSystemLock(CSystemMutex& mutex) noexcept : m_mutex(mutex) { m_mutex.Lock(); }
+    ~CSystemLock() { m_mutex.Unlock(); }
+    CSystemLock(const CSystemLock&) = delete;
+    CSystemLock& operator=(const CSystemLock&) = delete;
+
+private:
+    CSystemMutex& m_mutex;
+};

@@ -1,0 +1,44 @@
+#include <windows.h>
+
+#include "store/SystemMutex.h"
+#include "trace/Trace.h"
+
+namespace {
+
+constexpr const char* kSource = "AreaSetManager";
+
+}  // namespace
+
+CSystemMutex::CSystemMutex(const wchar_t* name) noexcept : m_handle(CreateMutexW(nullptr, FALSE, name)) {
+    // A mutex that another account created grants less than full access, but waiting is all that is needed.
+    if (m_handle == nullptr) m_handle = OpenMutexW(SYNCHRONIZE | MUTEX_MODIFY_STATE, FALSE, name);
+}
+
+CSystemMutex::~CSystemMutex() {
+    if (m_handle != nullptr) CloseHandle(m_handle);
+}
+
+void CSystemMutex::Lock() noexcept {
+    const auto self = std::this_thread::get_id();
+    if (m_owner.load(std::memory_order_relaxed) == self) {
+        ++m_depth;
+        return;
+    }
+    const DWORD result = m_handle != nullptr ? WaitForSingleObject(m_handle, INFINITE) : WAIT_FAILED;
+    m_held = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
+    m_owner.store(self, std::memory_order_relaxed);
+    m_depth = 1;
+    if (result == WAIT_ABANDONED) {
+        trace::TraceText(trace::kDiagnostic, kSource, __LINE__,
+                         L"CAreaSetManager: the lock's last owner ended without releasing it.");
+    } else if (!m_held) {
+        trace::TraceText(trace::kDiagnostic, kSource, __LINE__, L"CAreaSetManager: the lock could not be taken.");
+    }
+}
+
+void CSystemMutex::Unlock() noexcept {
+    if (--m_depth > 0) return;
+    const bool held = m_held;
+    m_owner.store(std::thread::id{}, std::memory_order_relaxed);
+    if (held) ReleaseMutex(m_handle);
+}
