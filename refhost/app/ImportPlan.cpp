@@ -1,0 +1,62 @@
+#include "refhost/app/ImportPlan.h"
+
+#include <algorithm>
+#include <set>
+
+#include "refhost/app/Text.h"
+
+namespace zonhost {
+
+namespace {
+
+// Keys are read back as signed numbers: above this, two identifiers would be taken for one.
+constexpr uint32_t kLastId = 0x7FFFFFFE;
+
+class IdSource {
+public:
+    explicit IdSource(const std::vector<StoredSet>& stored) {
+        for (const StoredSet& set : stored) m_used.insert(set.id);
+        const uint32_t highest = m_used.empty() ? 0 : *m_used.rbegin();
+        m_next = highest < kLastId ? highest + 1 : 1;
+    }
+
+    uint32_t Take() {
+        while (m_next <= kLastId && m_used.count(m_next) != 0) ++m_next;
+        if (m_next > kLastId) throw CommandError(ExitCode::kNothingDone, "no identifier is left for a new area set");
+        m_used.insert(m_next);
+        return m_next++;
+    }
+
+private:
+    std::set<uint32_t> m_used;
+    uint32_t m_next = 1;
+};
+
+}  // namespace
+
+std::vector<PlannedSet> PlanImport(std::vector<AreaSetRecord> sets, const std::vector<StoredSet>& stored,
+                                   bool replace) {
+    IdSource ids(stored);
+    std::set<std::string> names;
+    std::vector<std::string> twice;
+    std::vector<std::string> there;
+    std::vector<PlannedSet> planned;
+    for (AreaSetRecord& set : sets) {
+        if (!names.insert(set.name).second) twice.push_back("\"" + set.name + "\"");
+        const auto same = std::find_if(stored.begin(), stored.end(), [&](const auto& s) { return s.name == set.name; });
+        const bool replaces = same != stored.end();
+        if (replaces && !replace) there.push_back("\"" + set.name + "\"");
+        set.id = replaces ? same->id : ids.Take();
+        planned.push_back({std::move(set), replaces});
+    }
+    if (!twice.empty()) {
+        throw CommandError(ExitCode::kNothingDone, "named twice in what is to be imported: " + Join(twice, ", "));
+    }
+    if (!there.empty()) {
+        throw CommandError(ExitCode::kNothingDone, "there already: " + Join(there, ", ") +
+                                                       "; use --replace to put the imported sets in their place");
+    }
+    return planned;
+}
+
+}  // namespace zonhost
