@@ -1,0 +1,5 @@
+#include "host/Language.h"
+
+HINSTANCE CLang::GetResourceHandle(HINSTANCE instance) {
+    return instance;
+}

@@ -1,0 +1,182 @@
+// The exports over a settings node, in the built DLL.
+#include <gtest/gtest.h>
+
+#include <optional>
+
+#include "support/FakeSettings.h"
+#include "support/LoadedModule.h"
+
+namespace {
+
+using test::FakeTree;
+using test::Host;
+using test::ModuleTrace;
+using Texts = std::vector<std::wstring>;
+
+constexpr const wchar_t* kLoadFailed = L"CAreaSetManager::LoadSettings failed";
+
+class QueryExports : public testing::Test {
+protected:
+    void SetUp() override {
+        Host() = {};
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        m_classes.emplace();
+        m_module.emplace();
+        m_tree->AddSet(L"0x00000005", L"Invoice", 0x10000000, {{1, 2, 3, 4}, {40, 30, 20, 10}});
+        m_tree->AddSet(L"0x00000002", L"Empty", 0, {});
+    }
+    void TearDown() override {
+        m_module.reset();
+        m_classes.reset();
+        CoUninitialize();
+        EXPECT_EQ(Host().liveObjects, 0);
+    }
+
+    void Init() {
+        ISettingsNode* node = test::MakeFakeNode(m_tree);
+        m_module->Init(node);
+        node->Release();
+    }
+
+    std::shared_ptr<FakeTree> m_tree = std::make_shared<FakeTree>();
+    std::optional<test::FakeSettingsClasses> m_classes;
+    std::optional<test::LoadedModule> m_module;
+};
+
+TEST_F(QueryExports, EnumerateAndReadAllSets) {
+    Init();
+    DWORD id = 0;
+    ASSERT_TRUE(m_module->MapIndex2ID(0, &id));
+    EXPECT_EQ(id, 5u);
+    SAAreaInfo info = {};
+    ASSERT_TRUE(m_module->GetAreaInfo(id, &info));
+    EXPECT_STREQ(info.szName, L"Invoice");
+    EXPECT_EQ(info.nAreas, 2u);
+    EXPECT_EQ(info.dwFlags, SA_AREAS_IGNORED);
+    EXPECT_EQ(info.dwID, 5u);
+    RECT rects[3] = {{}, {}, {7, 7, 7, 7}};
+    ASSERT_TRUE(m_module->GetAreaRects(5, rects));
+    EXPECT_EQ(rects[1].left, 20);
+    EXPECT_EQ(rects[1].bottom, 30);
+    EXPECT_EQ(rects[2].left, 7);
+
+    EXPECT_TRUE(m_module->GetAreaRects(2, nullptr));
+    EXPECT_EQ(m_module->MapID2Index(2), 1u);
+    EXPECT_EQ(m_module->MapID2Index(3), 0xFFFFFFFFu);
+    for (const int position : {-1, 2}) {
+        id = 77;
+        EXPECT_FALSE(m_module->MapIndex2ID(position, &id));
+        EXPECT_EQ(id, 77u);
+    }
+    EXPECT_EQ(m_module->Boxes(), 0);
+}
+
+TEST_F(QueryExports, GiveFailureValuesForMissingPointersAndSets) {
+    Init();
+    m_module->TakeTraces();
+    EXPECT_FALSE(m_module->GetAreaInfo(5, nullptr));
+    EXPECT_FALSE(m_module->GetAreaRects(5, nullptr));
+    EXPECT_FALSE(m_module->MapIndex2ID(0, nullptr));
+    EXPECT_EQ(m_module->TakeTexts(), (Texts{L"SAGetAreaInfo: pInfo is NULL.", L"SAGetAreaRects: pRects is NULL.",
+                                            L"SAMapIndex2ID: pID is NULL."}));
+    SAAreaInfo info = {};
+    EXPECT_FALSE(m_module->GetAreaInfo(99, &info));
+    EXPECT_FALSE(m_module->GetAreaRects(99, nullptr));
+}
+
+TEST_F(QueryExports, NamesEndAt63Units) {
+    const struct {
+        size_t length;
+        BOOL result;
+    } cases[] = {{63, TRUE}, {64, FALSE}, {10000, FALSE}};
+    for (const auto& [length, result] : cases) {
+        m_tree->Child(L"0x00000005")->strings[L"Name"] = std::wstring(length, L'x');
+        Init();
+        m_module->TakeTraces();
+        SAAreaInfo info = {};
+        info.nAreas = 99;
+        EXPECT_EQ(m_module->GetAreaInfo(5, &info), result);
+        EXPECT_EQ(std::wstring(info.szName), std::wstring(63, L'x'));
+        EXPECT_EQ(info.nAreas, result ? 2u : 99u);
+        EXPECT_EQ(m_module->TakeTraces(),
+                  result ? std::vector<ModuleTrace>{}
+                         : (std::vector<ModuleTrace>{{2, "Zonwick", L"AreaSet name too long, maximum: 64"}}));
+    }
+}
+
+TEST_F(QueryExports, BeforeInitReportOnceThatNothingCanBeRead) {
+    DWORD id = 0;
+    EXPECT_EQ(m_module->MapID2Index(5), 0u);
+    EXPECT_EQ(m_module->TakeTraces(),
+              (std::vector<ModuleTrace>{{6, "AreaSetManager", kLoadFailed}, {2, "Zonwick", L"#34106"}}));
+    EXPECT_FALSE(m_module->MapIndex2ID(0, &id));
+    EXPECT_EQ(m_module->TakeTexts(), Texts{L"CAreaSetManager::GetAreaSet: iIndex out of array bounds."});
+    Init();
+    EXPECT_TRUE(m_module->MapIndex2ID(0, &id));
+}
+
+TEST_F(QueryExports, InitWithoutNodeKeepsTheSetsInMemory) {
+    Init();
+    ISettingsNode* other = test::MakeFakeNode(std::make_shared<FakeTree>(), E_NOINTERFACE);
+    for (IUnknown* host : {static_cast<IUnknown*>(nullptr), static_cast<IUnknown*>(other)}) {
+        m_module->Init(host);
+        EXPECT_EQ(m_module->MapID2Index(2), 1u);
+    }
+    other->Release();
+    // A node that cannot even be asked changes nothing, the old node included.
+    ISettingsNode* broken = test::MakeFakeNode(std::make_shared<FakeTree>(), RPC_E_DISCONNECTED);
+    Init();
+    m_module->TakeTraces();
+    m_module->Init(broken);
+    broken->Release();
+    EXPECT_EQ(m_module->TakeTraces(),
+              (std::vector<ModuleTrace>{{2, "Zonwick", L"SAInit: a host object failed with status 0x80010108."}}));
+    EXPECT_EQ(m_module->MapID2Index(2), 1u);
+}
+
+TEST_F(QueryExports, WithoutWorkingNodeLoadsFail) {
+    Host().createSettingsNode = REGDB_E_CLASSNOTREG;
+    Init();
+    EXPECT_TRUE(m_module->TakeTraces().empty());
+    EXPECT_EQ(m_module->MapID2Index(5), 0u);
+    EXPECT_EQ(m_module->TakeTexts(), (Texts{kLoadFailed, L"#34106"}));
+}
+
+TEST_F(QueryExports, AHalfFilledWorkingNodeIsNeverUsed) {
+    Init();
+    Host().createTransfer = E_NOINTERFACE;
+    m_module->TakeTraces();
+    Init();
+    EXPECT_EQ(m_module->TakeTexts(), Texts{L"SAInit: a host object failed with status 0x80004003."});
+    EXPECT_EQ(m_module->MapID2Index(5), 0u);
+    EXPECT_EQ(m_module->TakeTexts(), (Texts{kLoadFailed, L"#34106"}));
+    Host().createTransfer = S_OK;
+    Init();
+    EXPECT_EQ(m_module->MapID2Index(2), 1u);
+}
+
+// Every host call of SAInit and the load behind it fails in turn, with a status and with null: the sets are either all
+// there or none, the host's node is never touched, and the next SAInit works.
+TEST_F(QueryExports, SurviveAFailureOfEveryHostCall) {
+    const std::wstring before = m_tree->Dump();
+    for (const bool giveNull : {false, true}) {
+        for (int n = 1;; ++n) {
+            SCOPED_TRACE(n);
+            Host().Reset();
+            Host().failAt = n;
+            Host().giveNull = giveNull;
+            Init();
+            const bool reached = Host().calls >= n;
+            Host().Reset();
+            SAAreaInfo info = {};
+            const BOOL found = m_module->GetAreaInfo(5, &info);
+            EXPECT_TRUE(found || reached);
+            EXPECT_EQ(m_tree->Dump(), before);
+            Init();
+            EXPECT_EQ(m_module->MapID2Index(2), 1u);
+            if (!reached) break;
+        }
+    }
+}
+
+}  // namespace

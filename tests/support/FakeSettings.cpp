@@ -1,0 +1,243 @@
+#include "support/FakeSettings.h"
+
+#include <utility>
+
+namespace test {
+
+HostControl& Host() {
+    static HostControl control;
+    return control;
+}
+
+std::shared_ptr<FakeTree> FakeTree::Share(const std::wstring& name) {
+    for (auto& child : children) {
+        if (child.first == name) return child.second;
+    }
+    return children.emplace_back(name, std::make_shared<FakeTree>()).second;
+}
+
+FakeTree* FakeTree::Child(const std::wstring& name) {
+    return Share(name).get();
+}
+
+void FakeTree::AddSet(const wchar_t* key, const wchar_t* name, int64_t flags, const std::vector<RECT>& rects) {
+    FakeTree* set = Child(key);
+    set->strings[L"Name"] = name;
+    set->integers[L"Flags"] = flags;
+    FakeTree* list = set->Child(L"Rect");
+    for (size_t i = 0; i < rects.size(); ++i) {
+        list->Child(std::to_wstring(i))->integers = {{L"Position:left", rects[i].left},
+                                                     {L"Position:top", rects[i].top},
+                                                     {L"Position:right", rects[i].right},
+                                                     {L"Position:bottom", rects[i].bottom}};
+    }
+}
+
+std::wstring FakeTree::Dump() const {
+    std::wstring text = L"{";
+    for (const auto& [name, value] : strings) text += name + L"='" + value + L"' ";
+    for (const auto& [name, value] : integers) text += name + L"=" + std::to_wstring(value) + L" ";
+    for (const auto& [name, value] : booleans) text += name + (value ? L"=yes " : L"=no ");
+    for (const auto& [name, child] : children) text += name + child->Dump();
+    return text + L"}";
+}
+
+std::shared_ptr<FakeTree> FakeTree::Clone() const {
+    auto copy = std::make_shared<FakeTree>(*this);
+    for (auto& child : copy->children) child.second = child.second->Clone();
+    return copy;
+}
+
+namespace {
+
+// Counts references and itself among the live objects; one interface beside IUnknown.
+template <class Interface>
+class FakeObject : public Interface {
+public:
+    explicit FakeObject(HRESULT queryStatus = S_OK) : m_queryStatus(queryStatus) { ++Host().liveObjects; }
+    virtual ~FakeObject() { --Host().liveObjects; }
+    FakeObject(const FakeObject&) = delete;
+    FakeObject& operator=(const FakeObject&) = delete;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+        *object = nullptr;
+        if (iid != IID_IUnknown) {
+            if (FAILED(m_queryStatus)) return m_queryStatus;
+            if (iid != __uuidof(Interface)) return E_NOINTERFACE;
+            if (Host().Fails()) return E_FAIL;
+        }
+        AddRef();
+        *object = static_cast<Interface*>(this);
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG left = --m_references;
+        if (left == 0) delete this;
+        return left;
+    }
+
+private:
+    ULONG m_references = 1;
+    HRESULT m_queryStatus;
+};
+
+std::wstring Text(BSTR text) {
+    return text == nullptr ? std::wstring() : std::wstring(text, SysStringLen(text));
+}
+
+class FakeNode final : public FakeObject<ISettingsNode> {
+public:
+    FakeNode(std::shared_ptr<FakeTree> tree, HRESULT queryStatus) : FakeObject(queryStatus), m_tree(std::move(tree)) {}
+
+    const std::shared_ptr<FakeTree>& Tree() const { return m_tree; }
+    void Replace(const FakeTree& content) { *m_tree = content; }
+
+    HRESULT STDMETHODCALLTYPE GetSubNodeNames(SAFEARRAY** names) override {
+        *names = nullptr;
+        if (Host().Fails()) return Host().giveNull ? S_OK : E_FAIL;
+        *names = SafeArrayCreateVector(VT_BSTR, 0, static_cast<ULONG>(m_tree->children.size()));
+        LONG i = 0;
+        for (const auto& child : m_tree->children) {
+            BSTR name = SysAllocStringLen(child.first.data(), static_cast<UINT>(child.first.size()));
+            SafeArrayPutElement(*names, &i, name);
+            SysFreeString(name);
+            ++i;
+        }
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetSubNode(BSTR name, ISettingsNode** node) override {
+        *node = nullptr;
+        if (Host().Fails()) return Host().giveNull ? S_OK : E_FAIL;
+        *node = MakeFakeNode(m_tree->Share(Text(name)));
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE DeleteSubNode(BSTR name) override {
+        if (Host().Fails()) return E_FAIL;
+        std::erase_if(m_tree->children, [&](const auto& child) { return child.first == Text(name); });
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetString(BSTR name, BSTR* value) override {
+        *value = nullptr;
+        if (Host().Fails()) return Host().giveNull ? S_OK : E_FAIL;
+        const auto found = m_tree->strings.find(Text(name));
+        if (found == m_tree->strings.end()) return E_INVALIDARG;
+        *value = SysAllocStringLen(found->second.data(), static_cast<UINT>(found->second.size()));
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetInt64(BSTR name, LONGLONG* value) override {
+        return Get(m_tree->integers, name, value);
+    }
+    HRESULT STDMETHODCALLTYPE GetBool(BSTR name, VARIANT_BOOL* value) override {
+        return Get(m_tree->booleans, name, value);
+    }
+    HRESULT STDMETHODCALLTYPE SetString(BSTR name, BSTR value) override {
+        return Set(m_tree->strings, name, Text(value));
+    }
+    HRESULT STDMETHODCALLTYPE SetInt64(BSTR name, LONGLONG value) override {
+        return Set(m_tree->integers, name, value);
+    }
+    HRESULT STDMETHODCALLTYPE SetBool(BSTR name, VARIANT_BOOL value) override {
+        return Set(m_tree->booleans, name, value != 0);
+    }
+
+    HRESULT STDMETHODCALLTYPE Reserved3() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved4() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved5() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved6() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved8() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved11() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved14() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved16() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved19() override { return E_NOTIMPL; }
+
+private:
+    template <class Values, class Value>
+    static HRESULT Get(const Values& values, BSTR name, Value* value) {
+        if (Host().Fails()) return E_FAIL;
+        const auto found = values.find(Text(name));
+        if (found == values.end()) return E_INVALIDARG;
+        *value = static_cast<Value>(found->second);
+        return S_OK;
+    }
+    template <class Values, class Value>
+    static HRESULT Set(Values& values, BSTR name, Value value) {
+        if (Host().Fails()) return E_FAIL;
+        values[Text(name)] = std::move(value);
+        return S_OK;
+    }
+
+    std::shared_ptr<FakeTree> m_tree;
+};
+
+class FakeTransfer final : public FakeObject<ISettingsTransfer> {
+public:
+    HRESULT STDMETHODCALLTYPE CopyNode(ISettingsNode* target, ISettingsNode* source) override {
+        if (Host().Fails()) return E_FAIL;
+        static_cast<FakeNode*>(target)->Replace(*TreeOf(source)->Clone());
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE ClearNode(ISettingsNode* target) override {
+        if (Host().Fails()) return E_FAIL;
+        static_cast<FakeNode*>(target)->Replace({});
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
+        return E_NOTIMPL;
+    }
+};
+
+// Lives for the whole process and is no object that tests count.
+class FakeFactory final : public IClassFactory {
+public:
+    explicit FakeFactory(bool transfer) : m_transfer(transfer) {}
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+        *object = iid == IID_IUnknown || iid == IID_IClassFactory ? this : nullptr;
+        return *object != nullptr ? S_OK : E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** object) override {
+        *object = nullptr;
+        const HRESULT status = m_transfer ? Host().createTransfer : Host().createSettingsNode;
+        if (FAILED(status)) return status;
+        if (Host().Fails()) return E_OUTOFMEMORY;
+        IUnknown* made =
+            m_transfer ? static_cast<IUnknown*>(new FakeTransfer) : MakeFakeNode(std::make_shared<FakeTree>());
+        const HRESULT result = made->QueryInterface(iid, object);
+        made->Release();
+        return result;
+    }
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
+
+private:
+    bool m_transfer;
+};
+
+}  // namespace
+
+ISettingsNode* MakeFakeNode(std::shared_ptr<FakeTree> tree, HRESULT queryStatus) {
+    return new FakeNode(std::move(tree), queryStatus);
+}
+
+std::shared_ptr<FakeTree> TreeOf(ISettingsNode* node) {
+    return static_cast<FakeNode*>(node)->Tree();
+}
+
+FakeSettingsClasses::FakeSettingsClasses() {
+    static FakeFactory nodes(false);
+    static FakeFactory transfers(true);
+    CoRegisterClassObject(host::kClsidSettingsNode, &nodes, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &m_cookies[0]);
+    CoRegisterClassObject(host::kClsidSettingsTransfer, &transfers, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
+                          &m_cookies[1]);
+}
+
+FakeSettingsClasses::~FakeSettingsClasses() {
+    for (const DWORD cookie : m_cookies) CoRevokeClassObject(cookie);
+}
+
+}  // namespace test
