@@ -1,6 +1,9 @@
 #include "refhost/app/ImportPlan.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
 #include <set>
 
 #include "refhost/app/Text.h"
@@ -34,6 +37,19 @@ private:
 
 }  // namespace
 
+uint32_t IdOfKey(const std::string& key) {
+    const long long value = std::strtoll(key.c_str(), nullptr, 16);
+    constexpr long long kLow = std::numeric_limits<int32_t>::min();
+    constexpr long long kHigh = std::numeric_limits<int32_t>::max();
+    return static_cast<uint32_t>(std::clamp(value, kLow, kHigh));
+}
+
+std::string KeyOfId(uint32_t id) {
+    char key[16];
+    std::snprintf(key, sizeof key, "0x%08x", id);
+    return key;
+}
+
 std::vector<PlannedSet> PlanImport(std::vector<AreaSetRecord> sets, const std::vector<StoredSet>& stored,
                                    bool replace) {
     IdSource ids(stored);
@@ -47,7 +63,8 @@ std::vector<PlannedSet> PlanImport(std::vector<AreaSetRecord> sets, const std::v
         const bool replaces = same != stored.end();
         if (replaces && !replace) there.push_back("\"" + set.name + "\"");
         set.id = replaces ? same->id : ids.Take();
-        planned.push_back({std::move(set), replaces});
+        std::string key = replaces ? same->key : KeyOfId(set.id);
+        planned.push_back({std::move(set), std::move(key), replaces});
     }
     if (!twice.empty()) {
         throw CommandError(ExitCode::kNothingDone, "named twice in what is to be imported: " + Join(twice, ", "));

@@ -12,10 +12,17 @@ namespace zonhost {
 struct StoredSet {
     uint32_t id = 0;
     std::string name;
+    std::string key;  // name of its node
 };
+
+// The identifier that a node's name stands for, as the module reads it; 0: the node is no set.
+uint32_t IdOfKey(const std::string& key);
+// The name of a new set's node.
+std::string KeyOfId(uint32_t id);
 
 struct PlannedSet {
     AreaSetRecord set;  // with its identifier
+    std::string key;    // of the node to be written
     bool replaces = false;
 };
 

@@ -1,0 +1,211 @@
+#include "refhost/app/CommandLine.h"
+
+#include <comdef.h>
+#include <windows.h>
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <sstream>
+
+#include "refhost/app/Commands.h"
+#include "refhost/app/Console.h"
+#include "version.h"
+
+namespace zonhost {
+
+namespace {
+
+constexpr const char* kAbout =
+    "Masks scanned pages by area sets and manages the sets, through Zonwick.dll.\n"
+    "An area set is a named list of rectangles on a page, in tenths of a millimetre, that are to be kept (required) "
+    "or\n"
+    "left out (ignored).";
+
+constexpr const char* kFooter =
+    "\nExamples:\n"
+    "  zonhost sets import area-sets.json --settings settings.json\n"
+    "  zonhost sets list --settings settings.json\n"
+    "  zonhost mask --set \"Letter body\" --out masked scan.tif folder\\of\\scans\n"
+    "  zonhost mask --set \"Letter body\" --out masked --format tif --dpi 204x196 fax*.png\n"
+    "  zonhost sets import letter.uzn --page letter.tif --name \"Letter text\" --ignored\n"
+    "\nExit codes:\n"
+    "  0  all done\n"
+    "  1  some pages were not masked; each is told on standard error\n"
+    "  2  the command line is wrong\n"
+    "  3  the settings file cannot be read or written\n"
+    "  4  nothing was done: no such set, no page could be masked, a file to be imported has a mistake,\n"
+    "     Zonwick.dll is missing\n"
+    "\n`zonhost COMMAND --help` tells more of a command.";
+
+constexpr const char* kMaskAbout =
+    "Masks pages by an area set. PAGE is an image file (TIFF with any number of pages, PNG, JPEG, BMP), a folder for "
+    "the\n"
+    "image files directly in it, or a pattern such as scans\\*.tif. Results are named like their sources: letter.tif "
+    "gives\n"
+    "letter.png, its pages letter-01.png and so on if it has several. A page that cannot be masked is told, and the\n"
+    "others are done. Sources are never overwritten.";
+
+constexpr const char* kImportAbout =
+    "Imports area sets into the settings file: .json as `sets export` writes it, or .uzn zone files (lines \"left top\n"
+    "width height label\" in pixels; each file becomes one set). Every file is checked before anything is written. "
+    "New\n"
+    "sets get identifiers of their own.";
+
+std::wstring EnvironmentValue(const wchar_t* name) {
+    std::wstring value(32767, L'\0');
+    value.resize(GetEnvironmentVariableW(name, value.data(), static_cast<DWORD>(value.size())));
+    return value;
+}
+
+std::filesystem::path DefaultSettings() {
+    if (std::wstring named = EnvironmentValue(L"ZONHOST_SETTINGS"); !named.empty()) return named;
+    return std::filesystem::path(EnvironmentValue(L"LOCALAPPDATA")) / L"Zonwick" / L"settings.json";
+}
+
+// An option whose value is a path.
+void PathOption(CLI::App& app, const char* name, std::filesystem::path& path, const char* help, const char* type) {
+    app.add_option_function<std::string>(
+           name, [&path](const std::string& text) { path = PathFromUtf8(text); }, help)
+        ->type_name(type);
+}
+
+CLI::Option* PathsOption(CLI::App& app, const char* name, std::vector<std::filesystem::path>& paths, const char* help) {
+    return app
+        .add_option_function<std::vector<std::string>>(
+            name,
+            [&paths](const std::vector<std::string>& texts) {
+                for (const std::string& text : texts) paths.push_back(PathFromUtf8(text));
+            },
+            help)
+        ->required()
+        ->type_name("");
+}
+
+CLI::Option* ResolutionOption(CLI::App& app, std::optional<Resolution>& resolution, const char* help) {
+    return app
+        .add_option_function<std::string>(
+            "--dpi",
+            [&resolution](const std::string& text) {
+                resolution = ParseResolution(text);
+                if (!resolution)
+                    throw CLI::ValidationError("--dpi", "\"" + text + "\" is no resolution; 300 or 204x196");
+            },
+            help)
+        ->type_name("N|NxN");
+}
+
+class CommandLine {
+public:
+    CommandLine() : m_app(kAbout, "zonhost") {
+        // Unix-like file names begin with a slash.
+        m_app.allow_windows_style_options(false);
+        m_app.require_subcommand(1);
+        m_app.fallthrough();
+        m_app.footer(kFooter);
+        m_app.set_version_flag("--version", "zonhost " ZONWICK_VERSION_TEXT);
+        m_common.settings = DefaultSettings();
+        PathOption(m_app, "--settings", m_common.settings,
+                   "Settings file with the area sets (default: the environment variable ZONHOST_SETTINGS, else "
+                   "%LOCALAPPDATA%\\Zonwick\\settings.json)",
+                   "FILE");
+        PathOption(m_app, "--log", m_common.log, "Add the log of the library and its host to this file", "FILE");
+        m_app.add_flag("--verbose", m_common.verbose, "Show the log on standard error as well");
+        AddSets();
+        AddMask();
+    }
+
+    ExitCode Run(std::vector<std::string> arguments) {
+        try {
+            // The parser takes them from the back.
+            std::reverse(arguments.begin(), arguments.end());
+            m_app.parse(std::move(arguments));
+        } catch (const CLI::ParseError& error) {
+            std::ostringstream out;
+            std::ostringstream problem;
+            const int result = m_app.exit(error, out, problem);
+            Print(out.str());
+            if (result == 0) return ExitCode::kDone;
+            PrintError("zonhost: " + problem.str());
+            return ExitCode::kUsage;
+        }
+        return m_command();
+    }
+
+private:
+    void AddSets() {
+        CLI::App& sets = *m_app.add_subcommand("sets", "List, show, export and import area sets");
+        sets.require_subcommand(1);
+
+        CLI::App& list = *sets.add_subcommand("list", "List the area sets");
+        list.add_flag("--json", m_list.json, "As JSON, with all areas");
+        list.callback([this] { m_command = [this] { return ListSets(m_common, m_list); }; });
+
+        CLI::App& show = *sets.add_subcommand("show", "Show one area set with its areas");
+        show.add_option("SET", m_show.set, "Name or identifier of the set")->required()->type_name("");
+        show.add_flag("--json", m_show.json, "As JSON, in tenths of a millimetre");
+        show.callback([this] { m_command = [this] { return ShowSet(m_common, m_show); }; });
+
+        CLI::App& out = *sets.add_subcommand("export", "Export area sets as JSON in tenths of a millimetre");
+        out.add_option("SET", m_export.sets, "Names or identifiers of the sets; all when none is given")->type_name("");
+        PathOption(out, "--out", m_export.out, "File to write (default: standard output)", "FILE");
+        out.add_flag("--force", m_export.force, "Replace the file if it is there");
+        out.callback([this] { m_command = [this] { return ExportSets(m_common, m_export); }; });
+
+        CLI::App& in = *sets.add_subcommand("import", kImportAbout);
+        PathsOption(in, "FILE", m_import.files, "Files to import");
+        in.add_flag("--replace", m_import.replace, "Replace sets of the same name; they keep their identifiers");
+        in.add_flag("--dry-run", m_import.dryRun, "Check and show what would be imported, write nothing");
+        in.add_option("--name", m_import.name, "Zone files: name of the set (default: the file's name)")
+            ->type_name("NAME");
+        in.add_flag("--ignored", m_import.ignored, "Zone files: leave the zones out (default: keep them)");
+        ResolutionOption(in, m_import.resolution, "Zone files: dots per inch of the page that the zones are on");
+        PathOption(in, "--page", m_import.page, "Zone files: image of that page, for its resolution and size", "IMAGE");
+        in.callback([this] { m_command = [this] { return ImportSets(m_common, m_import); }; });
+    }
+
+    void AddMask() {
+        CLI::App& mask = *m_app.add_subcommand("mask", kMaskAbout);
+        mask.add_option("--set", m_mask.set, "Name of the area set")->required()->type_name("NAME");
+        mask.add_option_function<std::string>(
+                "--out", [this](const std::string& text) { m_mask.out = PathFromUtf8(text); }, "Folder for the results")
+            ->required()
+            ->type_name("DIR");
+        mask.add_option("--format", m_mask.format, "Format of the results: png (default), tif or bmp")
+            ->check(CLI::IsMember({"png", "tif", "bmp"}))
+            ->type_name("FORMAT");
+        ResolutionOption(mask, m_mask.resolution, "Dots per inch of the pages, in place of what the files say");
+        mask.add_flag("--force", m_mask.force, "Replace results that are there (never sources)");
+        PathsOption(mask, "PAGE", m_mask.pages, "Image files, folders or patterns");
+        mask.callback([this] { m_command = [this] { return MaskPages(m_common, m_mask); }; });
+    }
+
+    CLI::App m_app;
+    CommonOptions m_common;
+    ListOptions m_list;
+    ShowOptions m_show;
+    ExportOptions m_export;
+    ImportOptions m_import;
+    MaskOptions m_mask;
+    std::function<ExitCode()> m_command;
+};
+
+}  // namespace
+
+ExitCode RunCommandLine(const std::vector<std::string>& arguments) {
+    try {
+        return CommandLine().Run(arguments);
+    } catch (const CommandError& error) {
+        PrintError(std::string("zonhost: ") + error.what() + "\n");
+        return error.Code();
+    } catch (const _com_error& error) {
+        PrintError("zonhost: the settings refuse: " + SystemMessage(static_cast<DWORD>(error.Error())) + "\n");
+        return ExitCode::kSettings;
+    } catch (const std::bad_alloc&) {
+        PrintError("zonhost: out of memory\n");
+    } catch (const std::exception& error) {
+        PrintError(std::string("zonhost: ") + error.what() + "\n");
+    }
+    return ExitCode::kNothingDone;
+}
+
+}  // namespace zonhost

@@ -1,0 +1,117 @@
+#include "refhost/app/HostSession.h"
+
+#include <comdef.h>
+
+#include <system_error>
+
+#include "refhost/app/Console.h"
+#include "refhost/com/ClassRegistration.h"
+#include "refhost/settings/HostSettings.h"
+#include "refhost/support/HostSupport.h"
+
+_COM_SMARTPTR_TYPEDEF(ISettingsNode, __uuidof(ISettingsNode));
+
+namespace zonhost {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class ComScope {
+public:
+    ComScope() {
+        if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {
+            throw CommandError(ExitCode::kNothingDone, "COM cannot be initialised");
+        }
+    }
+    ~ComScope() { CoUninitialize(); }
+    ComScope(const ComScope&) = delete;
+    ComScope& operator=(const ComScope&) = delete;
+};
+
+void CALLBACK ShowTrace(const HostTrace* trace, void*) {
+    PrintError(std::string(trace->source ? trace->source : "") + "(" + std::to_string(trace->line) + "), severity " +
+               std::to_string(trace->severity) + ": " + Utf8FromWide(trace->text) + "\n");
+}
+
+class LogScope {
+public:
+    explicit LogScope(const CommonOptions& options) {
+        if (!options.log.empty() && !HostSupportSetLogFile(options.log.c_str())) {
+            throw CommandError(ExitCode::kNothingDone, "the log " + Utf8FromPath(options.log) +
+                                                           " cannot be opened: " + SystemMessage(GetLastError()));
+        }
+        if (options.verbose) HostSupportSetTraceObserver(ShowTrace, nullptr);
+    }
+    ~LogScope() {
+        HostSupportSetTraceObserver(nullptr, nullptr);
+        HostSupportSetLogFile(nullptr);
+    }
+    LogScope(const LogScope&) = delete;
+    LogScope& operator=(const LogScope&) = delete;
+};
+
+[[noreturn]] void FailSettings(const com::HostDll& store) {
+    BSTR text = nullptr;
+    store.Export<decltype(HostSettingsLastMessage)>("HostSettingsLastMessage")(&text);
+    const _bstr_t owner(text, false);
+    throw CommandError(ExitCode::kSettings, Utf8FromWide({text ? text : L"", owner.length()}));
+}
+
+}  // namespace
+
+// Taken down from the last to the first: the library lets go of the node before COM ends.
+struct HostSession::Parts {
+    explicit Parts(const CommonOptions& options)
+        : path(options.settings),
+          log(options),
+          classes(L"HostSettings.dll", {host::kClsidSettingsNode, host::kClsidSettingsTransfer}) {}
+
+    const fs::path path;
+    const ComScope com;
+    const LogScope log;
+    const com::ClassRegistration classes;
+    ISettingsNodePtr root;
+    std::unique_ptr<ZonwickLibrary> library;
+};
+
+HostSession::HostSession(const CommonOptions& options, Settings settings) : m_parts(new Parts(options)) {
+    std::error_code error;
+    if (settings == Settings::kMustExist && !fs::exists(options.settings, error)) {
+        throw CommandError(ExitCode::kSettings, "the settings file " + Utf8FromPath(options.settings) +
+                                                    " does not exist; `zonhost sets import` makes it, --settings "
+                                                    "names another");
+    }
+    const com::HostDll& store = m_parts->classes.Dll();
+    const auto open = store.Export<decltype(HostSettingsOpenFile)>("HostSettingsOpenFile");
+    if (FAILED(open(options.settings.c_str(), &m_parts->root))) FailSettings(store);
+}
+
+HostSession::~HostSession() = default;
+
+ISettingsNode* HostSession::Node() const {
+    return m_parts->root;
+}
+
+ZonwickLibrary& HostSession::Library() {
+    if (!m_parts->library) {
+        m_parts->library = std::make_unique<ZonwickLibrary>();
+        m_parts->library->Open(m_parts->root);
+    }
+    return *m_parts->library;
+}
+
+void HostSession::Change(const std::function<void(ISettingsNode*)>& change) {
+    const com::HostDll& store = m_parts->classes.Dll();
+    std::error_code error;
+    if (m_parts->path.has_parent_path()) fs::create_directories(m_parts->path.parent_path(), error);
+    try {
+        change(m_parts->root);
+    } catch (const _com_error&) {
+        FailSettings(store);
+    }
+    const auto commit = store.Export<decltype(HostSettingsCommit)>("HostSettingsCommit");
+    if (FAILED(commit(m_parts->root))) FailSettings(store);
+}
+
+}  // namespace zonhost

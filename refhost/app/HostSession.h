@@ -1,0 +1,35 @@
+#pragma once
+// What a host sets up before it uses the library: COM, its classes, its log and its settings node.
+
+#include <functional>
+#include <memory>
+
+#include "host/SettingsStore.h"
+#include "refhost/app/Options.h"
+#include "refhost/app/ZonwickLibrary.h"
+
+namespace zonhost {
+
+class HostSession {
+public:
+    enum class Settings { kMustExist, kMayBeNew };
+    // Throws CommandError: kSettings when the settings file cannot be read, with file, line and reason.
+    explicit HostSession(const CommonOptions& options, Settings settings = Settings::kMustExist);
+    ~HostSession();
+    HostSession(const HostSession&) = delete;
+    HostSession& operator=(const HostSession&) = delete;
+
+    // The host's settings node.
+    ISettingsNode* Node() const;
+    // The library, loaded at the first call, with the sets of the node.
+    ZonwickLibrary& Library();
+    // Changes the node and commits it to the file as a whole. Throws CommandError (kSettings): then the file is as
+    // before.
+    void Change(const std::function<void(ISettingsNode*)>& change);
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> m_parts;
+};
+
+}  // namespace zonhost

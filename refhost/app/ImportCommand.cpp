@@ -1,0 +1,94 @@
+// zonhost sets import: writes area sets into the host's settings file.
+
+#include <comdef.h>
+
+#include "refhost/app/AreaSetFile.h"
+#include "refhost/app/Commands.h"
+#include "refhost/app/Console.h"
+#include "refhost/app/HostSession.h"
+#include "refhost/app/PageImages.h"
+#include "refhost/app/StoredSets.h"
+#include "refhost/app/ZoneFile.h"
+
+namespace zonhost {
+
+namespace {
+
+constexpr uintmax_t kLongestFile = uintmax_t{64} << 20;
+
+// Resolution and page of the zones: the page image's, with the resolution of the command line before its own.
+struct ZonePage {
+    std::optional<Resolution> resolution;
+    Rect page;
+};
+
+ZonePage PageOfZones(const ImportOptions& options) {
+    if (options.page.empty()) return {options.resolution, {}};
+    LoadedFrame frame;
+    if (const auto file = ImageFile::Open(options.page, frame.problem)) frame = file->Load(0, options.resolution);
+    const std::string name = Utf8FromPath(options.page);
+    if (!frame.problem.empty()) throw CommandError(ExitCode::kNothingDone, name + ": " + frame.problem);
+    if (frame.info.resolutionAssumed) {
+        throw CommandError(ExitCode::kNothingDone, name + ": has no resolution; use --dpi to give it");
+    }
+    const Resolution resolution{frame.info.dpiX, frame.info.dpiY};
+    return {resolution, PageOfPixels(frame.info.width, frame.info.height, resolution)};
+}
+
+AreaSetRecord ReadZoneFile(const std::filesystem::path& path, const ImportOptions& options, const ZonePage& zonePage) {
+    const std::string name = Utf8FromPath(path);
+    if (!zonePage.resolution) {
+        throw CommandError(ExitCode::kUsage,
+                           name + ": zones are in pixels; use --dpi or --page to tell the resolution");
+    }
+    AreaSetRecord set;
+    set.name = options.name.empty() ? Utf8FromPath(path.stem()) : options.name;
+    const std::string problem = NameProblem(set.name);
+    if (!problem.empty()) throw CommandError(ExitCode::kNothingDone, name + ": the set's name " + problem);
+    set.flags = options.ignored ? kAreasIgnored : 0;
+    set.areas = ParseZones(ReadTextFile(path, kLongestFile), name, *zonePage.resolution);
+    set.page = zonePage.page == Rect{} ? DefaultPage(set.areas) : zonePage.page;
+    return set;
+}
+
+bool IsZoneFile(const std::filesystem::path& path) {
+    return FoldCase(Utf8FromPath(path.extension())) == ".uzn";
+}
+
+std::vector<AreaSetRecord> ReadFiles(const ImportOptions& options) {
+    const ZonePage zonePage = PageOfZones(options);
+    std::vector<AreaSetRecord> sets;
+    for (const std::filesystem::path& path : options.files) {
+        if (IsZoneFile(path)) {
+            sets.push_back(ReadZoneFile(path, options, zonePage));
+            continue;
+        }
+        const std::string text = ReadTextFile(path, kLongestFile);
+        for (AreaSetRecord& set : ParseAreaSets(text, Utf8FromPath(path))) sets.push_back(std::move(set));
+    }
+    return sets;
+}
+
+std::string Describe(const PlannedSet& planned) {
+    return KeyOfId(planned.set.id) + "  " + (planned.replaces ? "replaced" : "new     ") + "  \"" + planned.set.name +
+           "\", " + std::to_string(planned.set.areas.size()) + (planned.set.Ignored() ? " ignored" : " required") +
+           (planned.set.areas.size() == 1 ? " area\n" : " areas\n");
+}
+
+}  // namespace
+
+ExitCode ImportSets(const CommonOptions& common, const ImportOptions& options) {
+    HostSession session(common, HostSession::Settings::kMayBeNew);
+    std::vector<AreaSetRecord> sets = ReadFiles(options);
+    const auto planned = PlanImport(std::move(sets), ReadStoredSets(session.Node()), options.replace);
+    if (!options.dryRun) {
+        session.Change([&](ISettingsNode* root) {
+            for (const PlannedSet& set : planned) WriteSet(root, set);
+        });
+    }
+    for (const PlannedSet& set : planned) Print(Describe(set));
+    if (options.dryRun) Print("Nothing was written (--dry-run).\n");
+    return ExitCode::kDone;
+}
+
+}  // namespace zonhost

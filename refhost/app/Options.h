@@ -1,0 +1,52 @@
+#pragma once
+// What the command line asks for.
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "refhost/app/Text.h"
+
+namespace zonhost {
+
+struct CommonOptions {
+    std::filesystem::path settings;
+    std::filesystem::path log;
+    bool verbose = false;
+};
+
+struct ListOptions {
+    bool json = false;
+};
+
+struct ShowOptions {
+    std::string set;
+    bool json = false;
+};
+
+struct ExportOptions {
+    std::vector<std::string> sets;  // none: all
+    std::filesystem::path out;      // empty: standard output
+    bool force = false;
+};
+
+struct ImportOptions {
+    std::vector<std::filesystem::path> files;
+    std::string name;  // of the set of a zone file; empty: the file's name
+    bool ignored = false;
+    std::optional<Resolution> resolution;
+    std::filesystem::path page;
+    bool replace = false;
+    bool dryRun = false;
+};
+
+struct MaskOptions {
+    std::string set;
+    std::filesystem::path out;
+    std::string format = "png";
+    std::optional<Resolution> resolution;
+    bool force = false;
+    std::vector<std::filesystem::path> pages;
+};
+
+}  // namespace zonhost

@@ -1,0 +1,104 @@
+#include "refhost/app/StoredSets.h"
+
+#include <comdef.h>
+
+#include <memory>
+
+#include "refhost/app/Console.h"
+
+_COM_SMARTPTR_TYPEDEF(ISettingsNode, __uuidof(ISettingsNode));
+
+namespace zonhost {
+
+namespace {
+
+// The coordinates of a rectangle node, by the names of their values.
+constexpr struct {
+    const wchar_t* name;
+    int32_t Rect::*coordinate;
+} kCoordinates[] = {{L"Position:bottom", &Rect::bottom},
+                    {L"Position:left", &Rect::left},
+                    {L"Position:right", &Rect::right},
+                    {L"Position:top", &Rect::top}};
+
+void Check(HRESULT result) {
+    if (FAILED(result)) _com_raise_error(result);
+}
+
+_bstr_t Name(const std::string& text) {
+    return WideFromUtf8(text).c_str();
+}
+
+ISettingsNodePtr SubNode(ISettingsNode* node, const _bstr_t& name) {
+    ISettingsNodePtr sub;
+    Check(node->GetSubNode(name, &sub));
+    if (!sub) _com_raise_error(E_POINTER);
+    return sub;
+}
+
+struct DestroyArray {
+    void operator()(SAFEARRAY* array) const noexcept { SafeArrayDestroy(array); }
+};
+
+std::vector<std::string> SubNodeNames(ISettingsNode* node) {
+    SAFEARRAY* raw = nullptr;
+    Check(node->GetSubNodeNames(&raw));
+    if (!raw) _com_raise_error(E_POINTER);
+    const std::unique_ptr<SAFEARRAY, DestroyArray> array(raw);
+    LONG low = 0;
+    LONG high = -1;
+    Check(SafeArrayGetLBound(raw, 1, &low));
+    Check(SafeArrayGetUBound(raw, 1, &high));
+    std::vector<std::string> names;
+    for (LONG i = low; i <= high; ++i) {
+        BSTR name = nullptr;
+        Check(SafeArrayGetElement(raw, &i, &name));
+        const _bstr_t owner(name, false);
+        names.push_back(Utf8FromWide({name ? name : L"", owner.length()}));
+    }
+    return names;
+}
+
+void WriteRect(ISettingsNode* node, const std::string& name, const Rect& rect) {
+    const ISettingsNodePtr sub = SubNode(node, Name(name));
+    for (const auto& c : kCoordinates) Check(sub->SetInt64(_bstr_t(c.name), rect.*c.coordinate));
+}
+
+}  // namespace
+
+std::vector<StoredSet> ReadStoredSets(ISettingsNode* root) {
+    std::vector<StoredSet> sets;
+    for (const std::string& key : SubNodeNames(root)) {
+        const uint32_t id = IdOfKey(key);
+        if (id == 0) continue;
+        BSTR name = nullptr;
+        const bool named = SUCCEEDED(SubNode(root, Name(key))->GetString(_bstr_t(L"Name"), &name));
+        const _bstr_t owner(named ? name : nullptr, false);
+        sets.push_back({id, Utf8FromWide({owner.length() ? name : L"", owner.length()}), key});
+    }
+    return sets;
+}
+
+Rect ReadPage(ISettingsNode* root, const std::string& key) {
+    ISettingsNodePtr node;
+    if (FAILED(SubNode(root, Name(key))->GetSubNode(_bstr_t(L"DisplayRect"), &node)) || !node) return {};
+    Rect rect;
+    for (const auto& c : kCoordinates) {
+        LONGLONG value = 0;
+        if (FAILED(node->GetInt64(_bstr_t(c.name), &value))) return {};
+        rect.*c.coordinate = static_cast<int32_t>(value);
+    }
+    return rect;
+}
+
+void WriteSet(ISettingsNode* root, const PlannedSet& planned) {
+    const ISettingsNodePtr node = SubNode(root, Name(planned.key));
+    Check(node->SetString(_bstr_t(L"Name"), Name(planned.set.name)));
+    Check(node->SetInt64(_bstr_t(L"Flags"), planned.set.flags));
+    WriteRect(node, "DisplayRect", planned.set.page);
+    const ISettingsNodePtr areas = SubNode(node, L"Rect");
+    for (const std::string& old : SubNodeNames(areas)) Check(areas->DeleteSubNode(Name(old)));
+    for (size_t i = 0; i < planned.set.areas.size(); ++i) WriteRect(areas, std::to_string(i), planned.set.areas[i]);
+}
+
+}  // namespace zonhost
