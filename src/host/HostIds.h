@@ -52,6 +52,8 @@
 #define ZONWICK_LIBID_FOLIUM 0x3bbe6f07, 0xf3c6, 0x44e7, 0xa2, 0xdd, 0x29, 0x75, 0x49, 0x59, 0x26, 0x4d
 // clang-format on
 
+#ifdef __cplusplus
+
 // Gives an interface its identifier for __uuidof: ZONWICK_UUID(IFolium, ZONWICK_IID_FOLIUM).
 #define ZONWICK_UUID(...) __CRT_UUID_DECL(__VA_ARGS__)
 
@@ -74,3 +76,11 @@ inline constexpr GUID kIidBlankPageImage = MakeGuid(ZONWICK_IID_BLANK_PAGE_IMAGE
 inline constexpr GUID kDiidFoliumEvents = MakeGuid(ZONWICK_IID_FOLIUM_EVENTS);
 
 }  // namespace host
+
+#else
+
+// The numbers as the fields of a GUID in C: static const GUID kFolium = {ZONWICK_GUID_FIELDS(ZONWICK_CLSID_FOLIUM)};
+#define ZONWICK_GUID_FIELDS(...) ZONWICK_GUID_FIELDS_(__VA_ARGS__)
+#define ZONWICK_GUID_FIELDS_(d1, d2, d3, ...) d1, d2, d3, {__VA_ARGS__}
+
+#endif
