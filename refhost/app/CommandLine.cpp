@@ -17,39 +17,50 @@ namespace {
 
 constexpr const char* kAbout =
     "Masks scanned pages by area sets and manages the sets, through Zonwick.dll.\n"
-    "An area set is a named list of rectangles on a page, in tenths of a millimetre, that are to be kept (required) "
-    "or\n"
-    "left out (ignored).";
+    "An area set is a named list of rectangles on a page, in tenths of a millimetre, that are to be kept (required)\n"
+    "or left out (ignored).\n";
 
 constexpr const char* kFooter =
-    "\nExamples:\n"
+    "Examples:\n"
     "  zonhost sets import area-sets.json --settings settings.json\n"
     "  zonhost sets list --settings settings.json\n"
-    "  zonhost mask --set \"Letter body\" --out masked scan.tif folder\\of\\scans\n"
-    "  zonhost mask --set \"Letter body\" --out masked --format tif --dpi 204x196 fax*.png\n"
-    "  zonhost sets import letter.uzn --page letter.tif --name \"Letter text\" --ignored\n"
-    "\nExit codes:\n"
+    "  zonhost mask --settings settings.json --set \"Letter body\" --out masked scan.tif\n"
+    "\n"
+    "Exit codes:\n"
     "  0  all done\n"
     "  1  some pages were not masked; each is told on standard error\n"
     "  2  the command line is wrong\n"
     "  3  the settings file cannot be read or written\n"
     "  4  nothing was done: no such set, no page could be masked, a file to be imported has a mistake,\n"
-    "     Zonwick.dll is missing\n"
-    "\n`zonhost COMMAND --help` tells more of a command.";
+    "     a library is missing\n"
+    "\n"
+    "`zonhost COMMAND --help` tells more of a command. --settings, --log and --verbose go with every command.";
 
-constexpr const char* kMaskAbout =
-    "Masks pages by an area set. PAGE is an image file (TIFF with any number of pages, PNG, JPEG, BMP), a folder for "
-    "the\n"
-    "image files directly in it, or a pattern such as scans\\*.tif. Results are named like their sources: letter.tif "
-    "gives\n"
-    "letter.png, its pages letter-01.png and so on if it has several. A page that cannot be masked is told, and the\n"
-    "others are done. Sources are never overwritten.";
+constexpr const char* kMaskFooter =
+    "PAGE is an image file (TIFF with any number of pages, PNG, JPEG, BMP), a folder for the image files directly in "
+    "it,\n"
+    "or a pattern such as scans\\*.tif. Results are named like their sources: letter.tif gives letter.png, or\n"
+    "letter-01.png, letter-02.png and so on for its pages if it has several. A page that cannot be masked is told, "
+    "and\n"
+    "the others are done. Sources are never overwritten.\n"
+    "\n"
+    "Examples:\n"
+    "  zonhost mask --set \"Letter body\" --out masked scan.tif folder\\of\\scans\n"
+    "  zonhost mask --set \"Letter body\" --out masked --format tif --dpi 204x196 fax*.png";
 
-constexpr const char* kImportAbout =
-    "Imports area sets into the settings file: .json as `sets export` writes it, or .uzn zone files (lines \"left top\n"
-    "width height label\" in pixels; each file becomes one set). Every file is checked before anything is written. "
-    "New\n"
-    "sets get identifiers of their own.";
+constexpr const char* kImportFooter =
+    "FILE is a .json file as `zonhost sets export` writes it, or a .uzn zone file: lines \"left top width height "
+    "label\" in\n"
+    "pixels, each file one set. All files are checked before anything is written. New sets get identifiers of their "
+    "own.\n"
+    "\n"
+    "Examples:\n"
+    "  zonhost sets import area-sets.json --dry-run\n"
+    "  zonhost sets import letter.uzn --page letter.tif --name \"Letter text\" --ignored";
+
+constexpr const char* kExportFooter =
+    "Example:\n"
+    "  zonhost sets export \"Letter body\" 0x00000003 --out area-sets.json";
 
 std::wstring EnvironmentValue(const wchar_t* name) {
     std::wstring value(32767, L'\0');
@@ -101,7 +112,6 @@ public:
         m_app.allow_windows_style_options(false);
         m_app.require_subcommand(1);
         m_app.fallthrough();
-        m_app.footer(kFooter);
         m_app.set_version_flag("--version", "zonhost " ZONWICK_VERSION_TEXT);
         m_common.settings = DefaultSettings();
         PathOption(m_app, "--settings", m_common.settings,
@@ -112,6 +122,7 @@ public:
         m_app.add_flag("--verbose", m_common.verbose, "Show the log on standard error as well");
         AddSets();
         AddMask();
+        m_app.footer(kFooter);
     }
 
     ExitCode Run(std::vector<std::string> arguments) {
@@ -146,12 +157,14 @@ private:
         show.callback([this] { m_command = [this] { return ShowSet(m_common, m_show); }; });
 
         CLI::App& out = *sets.add_subcommand("export", "Export area sets as JSON in tenths of a millimetre");
+        out.footer(kExportFooter);
         out.add_option("SET", m_export.sets, "Names or identifiers of the sets; all when none is given")->type_name("");
         PathOption(out, "--out", m_export.out, "File to write (default: standard output)", "FILE");
         out.add_flag("--force", m_export.force, "Replace the file if it is there");
         out.callback([this] { m_command = [this] { return ExportSets(m_common, m_export); }; });
 
-        CLI::App& in = *sets.add_subcommand("import", kImportAbout);
+        CLI::App& in = *sets.add_subcommand("import", "Import area sets from JSON and zone files");
+        in.footer(kImportFooter);
         PathsOption(in, "FILE", m_import.files, "Files to import");
         in.add_flag("--replace", m_import.replace, "Replace sets of the same name; they keep their identifiers");
         in.add_flag("--dry-run", m_import.dryRun, "Check and show what would be imported, write nothing");
@@ -164,7 +177,8 @@ private:
     }
 
     void AddMask() {
-        CLI::App& mask = *m_app.add_subcommand("mask", kMaskAbout);
+        CLI::App& mask = *m_app.add_subcommand("mask", "Mask pages by an area set");
+        mask.footer(kMaskFooter);
         mask.add_option("--set", m_mask.set, "Name of the area set")->required()->type_name("NAME");
         mask.add_option_function<std::string>(
                 "--out", [this](const std::string& text) { m_mask.out = PathFromUtf8(text); }, "Folder for the results")
