@@ -4,10 +4,20 @@
 #include <windows.h>
 
 #include "host/DocumentStack.h"
+#include "host/PageImage.h"
 #include "store/AreaSetManager.h"
 #include "store/ComSettingsNode.h"
 
 _COM_SMARTPTR_TYPEDEF(IQuire, __uuidof(IQuire));
+_COM_SMARTPTR_TYPEDEF(IPageImage, __uuidof(IPageImage));
+
+// Where a page lies in the document stack: which ways on are closed.
+enum NavigationFlag : uint32_t {
+    NAV_NO_PREV_PAGE = 1,
+    NAV_NO_NEXT_PAGE = 2,
+    NAV_NO_PREV_DOC = 4,
+    NAV_NO_NEXT_DOC = 8,
+};
 
 // Used on the host's window thread, without a lock.
 class CZonwickApp {
@@ -37,11 +47,26 @@ public:
     // Makes the host's node a copy of the working node; nothing when either is missing. A failing host call is thrown.
     void CommitToHost();
 
+    // The document stack whose pages the dialogs show, null when there is none; the module adds its own reference.
+    void SetQuire(IQuire* quire);
+    IQuirePtr GetQuire() const { return m_pQuire; }
+    // Where page display starts; negative values become 0.
+    void SetStartPosition(int32_t document, int32_t page);
+    int32_t GetDocumentCount();
+    // The page at a position, as an image of its own. A position outside the stack is first replaced by the start
+    // position; `flags` gets its four navigation bits. False when there is no such page or no image of it could be made
+    // (the flags may have been set then). Throws _com_error for a missing stack, a failing host call, a bad byte array.
+    bool GetPage(int32_t& document, int32_t& page, IPageImagePtr& image, uint32_t& flags);
+
     // Where dialogs, menus and strings come from.
     HINSTANCE GetResourceInstance() const { return m_resources; }
     const std::wstring& GetApplicationName() const { return m_applicationName; }
 
 private:
+    static bool CopyPageImage(IQuirePage* page, IPageImage* image);
+    // A new object of a host class with one reference for the caller; null, and its class traced, when there is none.
+    static void* CreateHostObject(REFCLSID classId, REFIID iid);
+
     ISettingsNodePtr m_pWorkingNode;
     ISettingsNodePtr m_pHostNode;
     IQuirePtr m_pQuire;

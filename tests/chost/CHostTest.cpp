@@ -28,7 +28,7 @@ void WritePage(const std::string& path) {
     std::fclose(out);
 }
 
-std::string Run(const std::string& command, int& exitCode) {
+std::string RunProgram(const std::string& command, int& exitCode) {
     std::string text;
     FILE* pipe = _popen(command.c_str(), "r");
     if (pipe == nullptr) return text;
@@ -42,7 +42,7 @@ TEST(CHost, EnumeratesReadsAndMasks) {
     WritePage(page);
     int exitCode = -1;
     const std::string text =
-        Run("\"\"" + ProgramFolder() + "c_host.exe\" \"Z:" SAMPLES_DIR "/settings.json\" \"" + page + "\"\"", exitCode);
+        RunProgram("\"\"" + ProgramFolder() + "c_host.exe\" \"Z:" SAMPLES_DIR "/settings.json\" \"" + page + "\"\"", exitCode);
     EXPECT_EQ(exitCode, 0) << text;
     EXPECT_NE(text.find(" areas, first at "), std::string::npos) << text;
     EXPECT_NE(text.find("masked: "), std::string::npos) << text;

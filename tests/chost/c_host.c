@@ -7,6 +7,7 @@
  * Prints one line per set and one for the masked page; 0 when all of it worked.
  */
 #define COBJMACROS
+#include <ole2.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <wchar.h>
@@ -59,8 +60,8 @@ static struct IUnknown* OpenSettings(const WCHAR* path) {
     GetClassFunction getClass;
     OpenFunction open;
     g_settings = LoadLibraryW(L"HostSettings.dll");
-    getClass = (GetClassFunction)(void*)GetProcAddress(g_settings, "DllGetClassObject");
-    open = (OpenFunction)(void*)GetProcAddress(g_settings, "HostSettingsOpenFile");
+    getClass = (GetClassFunction)(void (*)(void))GetProcAddress(g_settings, "DllGetClassObject");
+    open = (OpenFunction)(void (*)(void))GetProcAddress(g_settings, "HostSettingsOpenFile");
     if (getClass == NULL || open == NULL) return NULL;
     for (int i = 0; i < 2; ++i) {
         struct IUnknown* factory = NULL;
@@ -84,22 +85,22 @@ static void* LoadPage(const WCHAR* path) {
     OpenFunction open;
     FrameFunction load;
     g_imaging = LoadLibraryW(L"HostImaging.dll");
-    open = (OpenFunction)(void*)GetProcAddress(g_imaging, "HostOpenImageFile");
-    load = (FrameFunction)(void*)GetProcAddress(g_imaging, "HostLoadFrame");
+    open = (OpenFunction)(void (*)(void))GetProcAddress(g_imaging, "HostOpenImageFile");
+    load = (FrameFunction)(void (*)(void))GetProcAddress(g_imaging, "HostLoadFrame");
     return open(path, &g_file, &frames) == 1 && load(g_file, 0, 0, 0, &image) == 1 ? image : NULL;
 }
 
 static void ReleasePage(void* image) {
     typedef void (*ReleaseFunction)(void*);
-    ((ReleaseFunction)(void*)GetProcAddress(g_imaging, MAKEINTRESOURCEA(83)))(image);
-    ((ReleaseFunction)(void*)GetProcAddress(g_imaging, "HostCloseImageFile"))(g_file);
+    ((ReleaseFunction)(void (*)(void))GetProcAddress(g_imaging, MAKEINTRESOURCEA(83)))(image);
+    ((ReleaseFunction)(void (*)(void))GetProcAddress(g_imaging, "HostCloseImageFile"))(g_file);
 }
 
 static int PrintSets(HMODULE library, WCHAR* firstName) {
-    ToIdFunction toId = (ToIdFunction)(void*)GetProcAddress(library, "SAMapIndex2ID");
-    ToIndexFunction toIndex = (ToIndexFunction)(void*)GetProcAddress(library, "SAMapID2Index");
-    InfoFunction getInfo = (InfoFunction)(void*)GetProcAddress(library, "SAGetAreaInfo");
-    RectsFunction getRects = (RectsFunction)(void*)GetProcAddress(library, "SAGetAreaRects");
+    ToIdFunction toId = (ToIdFunction)(void (*)(void))GetProcAddress(library, "SAMapIndex2ID");
+    ToIndexFunction toIndex = (ToIndexFunction)(void (*)(void))GetProcAddress(library, "SAMapID2Index");
+    InfoFunction getInfo = (InfoFunction)(void (*)(void))GetProcAddress(library, "SAGetAreaInfo");
+    RectsFunction getRects = (RectsFunction)(void (*)(void))GetProcAddress(library, "SAGetAreaRects");
     DWORD id = 0;
     int count = 0;
     for (; toId(count, &id); ++count) {
@@ -116,8 +117,8 @@ static int PrintSets(HMODULE library, WCHAR* firstName) {
 }
 
 static int MaskPage(HMODULE library, const WCHAR* name, const WCHAR* page) {
-    CreateFunction create = (CreateFunction)(void*)GetProcAddress(library, MAKEINTRESOURCEA(11));
-    FreeFunction release = (FreeFunction)(void*)GetProcAddress(library, MAKEINTRESOURCEA(12));
+    CreateFunction create = (CreateFunction)(void (*)(void))GetProcAddress(library, MAKEINTRESOURCEA(11));
+    FreeFunction release = (FreeFunction)(void (*)(void))GetProcAddress(library, MAKEINTRESOURCEA(12));
     void* image = LoadPage(page);
     BYTE* block = NULL;
     DWORD length = 0;
@@ -137,7 +138,7 @@ int wmain(int argc, WCHAR** argv) {
     library = LoadLibraryW(L"Zonwick.dll");
     settings = OpenSettings(argv[1]);
     if (library != NULL && settings != NULL && CheckExports(library)) {
-        InitFunction init = (InitFunction)(void*)GetProcAddress(library, MAKEINTRESOURCEA(6));
+        InitFunction init = (InitFunction)(void (*)(void))GetProcAddress(library, MAKEINTRESOURCEA(6));
         init(settings);
         done = PrintSets(library, name) > 0 && MaskPage(library, name, argv[2]);
         init(NULL);
