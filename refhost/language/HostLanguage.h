@@ -8,7 +8,7 @@
 
 extern "C" {
 
-// Sets the language ("de-DE", "fr") for modules that ask from now on; null or empty is the user's language. Takes
+// Sets the language ("de-DE", "fr") for modules that have not asked yet; null or empty is the user's language. Takes
 // precedence over the environment variable HOST_LANGUAGE. Returns 0 for a text that is no language name.
 BOOL HostLanguageSet(const wchar_t* language);
 }
