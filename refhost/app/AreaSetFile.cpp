@@ -86,7 +86,7 @@ private:
 
     uint32_t ReadFlags(const json& value, const std::string& place) const {
         const json mode = value.contains("mode") ? value["mode"] : json();
-        Expect(mode == "required" || mode == "ignored", place + ".mode", "must be \"required\" or \"ignored\"");
+        Expect(mode == "required" || mode == "ignored", place + ".mode", R"(must be "required" or "ignored")");
         const uint32_t wanted = mode == "ignored" ? kAreasIgnored : 0;
         if (!value.contains("flags")) return wanted;
         const auto flags = static_cast<uint32_t>(ReadWhole(value, place, "flags", 0, 0xFFFFFFFF));
@@ -185,8 +185,8 @@ std::string FormatAreaSets(const std::vector<AreaSetRecord>& sets) {
         const int64_t width = int64_t{set.page.right} - set.page.left;
         const int64_t height = int64_t{set.page.bottom} - set.page.top;
         if (width > 0 && height > 0 && width <= kLongest && height <= kLongest) {
-            text += "      \"page\": { \"width\": " + std::to_string(width) +
-                    ", \"height\": " + std::to_string(height) + " },\n";
+            text += R"(      "page": { "width": )" + std::to_string(width) + ", \"height\": " + std::to_string(height) +
+                    " },\n";
         }
         text += "      \"areas\": [";
         for (const Rect& area : set.areas) {

@@ -24,7 +24,7 @@ public:
     }
 
     uint32_t Take() {
-        while (m_next <= kLastId && m_used.count(m_next) != 0) ++m_next;
+        while (m_next <= kLastId && m_used.contains(m_next)) ++m_next;
         if (m_next > kLastId) throw CommandError(ExitCode::kNothingDone, "no identifier is left for a new area set");
         m_used.insert(m_next);
         return m_next++;

@@ -62,7 +62,7 @@ void OutputGuard::Check(const fs::path& target) const {
     if (GetFileAttributesW(target.c_str()) == INVALID_FILE_ATTRIBUTES) return;
     const std::string name = Utf8FromPath(target);
     const auto identity = IdentityOf(target);
-    if (identity && m_sources.count(*identity) != 0) {
+    if (identity && m_sources.contains(*identity)) {
         throw CommandError(ExitCode::kSomePagesFailed,
                            name + " is one of the pages to be masked and is not overwritten; choose another --out");
     }

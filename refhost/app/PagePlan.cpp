@@ -62,8 +62,8 @@ std::vector<fs::path> FilesOf(const fs::path& argument, std::string& problem) {
 
 // More and more of a path, until names differ.
 std::string NameAtLevel(const fs::path& path, int level) {
-    const std::string stem = Utf8FromPath(path.stem());
-    const std::string whole = Utf8FromPath(path.filename());
+    std::string stem = Utf8FromPath(path.stem());
+    std::string whole = Utf8FromPath(path.filename());
     const std::string folder = Utf8FromPath(fs::absolute(path).parent_path().filename());
     switch (level) {
         case 0:
@@ -82,8 +82,10 @@ constexpr int kLastLevel = 3;
 }  // namespace
 
 bool MatchesPattern(std::string_view name, std::string_view pattern) {
-    size_t n = 0, p = 0;
-    size_t star = std::string_view::npos, resume = 0;
+    size_t n = 0;
+    size_t p = 0;
+    size_t star = std::string_view::npos;
+    size_t resume = 0;
     while (n < name.size()) {
         if (p < pattern.size() && pattern[p] == '*') {
             star = p++;
@@ -116,7 +118,8 @@ PageList FindPages(const std::vector<fs::path>& arguments) {
     return pages;
 }
 
-OutputNames::OutputNames(const std::vector<fs::path>& files, const std::string& extension) : m_extension(extension) {
+OutputNames::OutputNames(const std::vector<fs::path>& files, std::string extension)
+    : m_extension(std::move(extension)) {
     std::vector<int> levels(files.size(), 0);
     m_bases.resize(files.size());
     for (bool changed = true; changed;) {

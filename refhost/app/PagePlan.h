@@ -22,7 +22,7 @@ PageList FindPages(const std::vector<std::filesystem::path>& arguments);
 // name, both get more of theirs: scan.tif.png and scan.jpg.png, or a_scan.png and b_scan.png from folders a and b.
 class OutputNames {
 public:
-    OutputNames(const std::vector<std::filesystem::path>& files, const std::string& extension);
+    OutputNames(const std::vector<std::filesystem::path>& files, std::string extension);
     // `frame` counts from 0. To be asked once for each frame.
     std::filesystem::path Name(size_t file, size_t frame, size_t frameCount);
 

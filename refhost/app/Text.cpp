@@ -12,6 +12,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr uintmax_t kMebibyte = uintmax_t{1} << 20;
+
 bool IsContinuation(char c) {
     return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
 }
@@ -37,7 +39,7 @@ std::string Utf8FromPath(const fs::path& path) {
 }
 
 fs::path PathFromUtf8(std::string_view text) {
-    return fs::path(std::u8string(text.begin(), text.end()));
+    return {std::u8string(text.begin(), text.end())};
 }
 
 size_t Utf16Length(std::string_view text) {
@@ -95,13 +97,12 @@ std::string ReadTextFile(const fs::path& path, uintmax_t limit) {
         throw CommandError(ExitCode::kNothingDone, name + ": " + reason);
     }
     std::string text;
-    char buffer[1 << 16];
+    char buffer[65536];
     while (file.read(buffer, sizeof buffer) || file.gcount() > 0) {
         text.append(buffer, static_cast<size_t>(file.gcount()));
         if (text.size() > limit) {
-            throw CommandError(
-                ExitCode::kNothingDone,
-                name + ": longer than the " + std::to_string(limit / (1024 * 1024)) + " MiB that such a file can have");
+            throw CommandError(ExitCode::kNothingDone, name + ": longer than the " + std::to_string(limit / kMebibyte) +
+                                                           " MiB that such a file can have");
         }
     }
     if (file.bad()) throw CommandError(ExitCode::kNothingDone, name + ": cannot be read");

@@ -2,7 +2,7 @@
 
 namespace zonhost {
 
-WorkerPool::WorkerPool(size_t threads, std::function<void(const std::function<void()>&)> around) {
+WorkerPool::WorkerPool(size_t threads, const std::function<void(const std::function<void()>&)>& around) {
     for (size_t i = 0; i < threads; ++i) {
         m_threads.emplace_back([this, around] {
             const std::function<void()> work = [this] { Work(); };

@@ -17,7 +17,7 @@ namespace zonhost {
 class WorkerPool {
 public:
     // `around` runs once on each thread and calls its argument to work: the place for what a thread needs set up.
-    explicit WorkerPool(size_t threads, std::function<void(const std::function<void()>&)> around = {});
+    explicit WorkerPool(size_t threads, const std::function<void(const std::function<void()>&)>& around = {});
     // Finishes what was given.
     ~WorkerPool();
     WorkerPool(const WorkerPool&) = delete;
