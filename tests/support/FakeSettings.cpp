@@ -4,11 +4,6 @@
 
 namespace test {
 
-HostControl& Host() {
-    static HostControl control;
-    return control;
-}
-
 std::shared_ptr<FakeTree> FakeTree::Share(const std::wstring& name) {
     for (auto& child : children) {
         if (child.first == name) return child.second;
@@ -49,38 +44,6 @@ std::shared_ptr<FakeTree> FakeTree::Clone() const {
 }
 
 namespace {
-
-// Counts references and itself among the live objects; one interface beside IUnknown.
-template <class Interface>
-class FakeObject : public Interface {
-public:
-    explicit FakeObject(HRESULT queryStatus = S_OK) : m_queryStatus(queryStatus) { ++Host().liveObjects; }
-    virtual ~FakeObject() { --Host().liveObjects; }
-    FakeObject(const FakeObject&) = delete;
-    FakeObject& operator=(const FakeObject&) = delete;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        *object = nullptr;
-        if (iid != IID_IUnknown) {
-            if (FAILED(m_queryStatus)) return m_queryStatus;
-            if (iid != __uuidof(Interface)) return E_NOINTERFACE;
-            if (Host().Fails()) return E_FAIL;
-        }
-        AddRef();
-        *object = static_cast<Interface*>(this);
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --m_references;
-        if (left == 0) delete this;
-        return left;
-    }
-
-private:
-    ULONG m_references = 1;
-    HRESULT m_queryStatus;
-};
 
 std::wstring Text(BSTR text) {
     return text == nullptr ? std::wstring() : std::wstring(text, SysStringLen(text));
@@ -170,7 +133,7 @@ private:
     std::shared_ptr<FakeTree> m_tree;
 };
 
-class FakeTransfer final : public FakeObject<ISettingsTransfer> {
+class FakeTransfer final : public FakeDispatch<ISettingsTransfer> {
 public:
     HRESULT STDMETHODCALLTYPE CopyNode(ISettingsNode* target, ISettingsNode* source) override {
         if (Host().Fails()) return E_FAIL;
@@ -182,43 +145,17 @@ public:
         static_cast<FakeNode*>(target)->Replace({});
         return S_OK;
     }
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
-        return E_NOTIMPL;
-    }
-};
-
-// Lives for the whole process and is no object that tests count.
-class FakeFactory final : public IClassFactory {
-public:
-    explicit FakeFactory(bool transfer) : m_transfer(transfer) {}
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        *object = iid == IID_IUnknown || iid == IID_IClassFactory ? this : nullptr;
-        return *object != nullptr ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** object) override {
-        *object = nullptr;
-        const HRESULT status = m_transfer ? Host().createTransfer : Host().createSettingsNode;
-        if (FAILED(status)) return status;
-        if (Host().Fails()) return E_OUTOFMEMORY;
-        IUnknown* made =
-            m_transfer ? static_cast<IUnknown*>(new FakeTransfer) : MakeFakeNode(std::make_shared<FakeTree>());
-        const HRESULT result = made->QueryInterface(iid, object);
-        made->Release();
-        return result;
-    }
-    HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
-
-private:
-    bool m_transfer;
 };
 
 }  // namespace
+
+FakeSettingsClasses::FakeSettingsClasses()
+    : m_nodes(
+          host::kClsidSettingsNode, [] { return static_cast<IUnknown*>(MakeFakeNode(std::make_shared<FakeTree>())); },
+          Host().createSettingsNode),
+      m_transfers(
+          host::kClsidSettingsTransfer, [] { return static_cast<IUnknown*>(new FakeTransfer); },
+          Host().createTransfer) {}
 
 ISettingsNode* MakeFakeNode(std::shared_ptr<FakeTree> tree, HRESULT queryStatus) {
     return new FakeNode(std::move(tree), queryStatus);
@@ -226,18 +163,6 @@ ISettingsNode* MakeFakeNode(std::shared_ptr<FakeTree> tree, HRESULT queryStatus)
 
 std::shared_ptr<FakeTree> TreeOf(ISettingsNode* node) {
     return static_cast<FakeNode*>(node)->Tree();
-}
-
-FakeSettingsClasses::FakeSettingsClasses() {
-    static FakeFactory nodes(false);
-    static FakeFactory transfers(true);
-    CoRegisterClassObject(host::kClsidSettingsNode, &nodes, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &m_cookies[0]);
-    CoRegisterClassObject(host::kClsidSettingsTransfer, &transfers, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
-                          &m_cookies[1]);
-}
-
-FakeSettingsClasses::~FakeSettingsClasses() {
-    for (const DWORD cookie : m_cookies) CoRevokeClassObject(cookie);
 }
 
 }  // namespace test

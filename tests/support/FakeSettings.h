@@ -9,31 +9,9 @@
 #include <vector>
 
 #include "host/SettingsStore.h"
+#include "support/FakeObject.h"
 
 namespace test {
-
-// Shared by all fake host objects of a test.
-struct HostControl {
-    int calls = 0;
-    int failAt = 0;  // 1 is the next call; 0 never
-    bool keepFailing = false;
-    bool giveNull = false;  // the failing call succeeds but hands out null where it can
-    int liveObjects = 0;
-    HRESULT createSettingsNode = S_OK;  // results of the class factories
-    HRESULT createTransfer = S_OK;
-
-    void Reset() {
-        calls = 0;
-        failAt = 0;
-        keepFailing = giveNull = false;
-    }
-    // True when this call is to fail.
-    bool Fails() {
-        ++calls;
-        return failAt != 0 && (calls == failAt || (keepFailing && calls > failAt));
-    }
-};
-HostControl& Host();
 
 // The tree behind fake nodes.
 struct FakeTree {
@@ -58,12 +36,9 @@ std::shared_ptr<FakeTree> TreeOf(ISettingsNode* node);
 class FakeSettingsClasses {
 public:
     FakeSettingsClasses();
-    ~FakeSettingsClasses();
-    FakeSettingsClasses(const FakeSettingsClasses&) = delete;
-    FakeSettingsClasses& operator=(const FakeSettingsClasses&) = delete;
 
 private:
-    DWORD m_cookies[2] = {};
+    FakeClass m_nodes, m_transfers;
 };
 
 }  // namespace test
