@@ -11,7 +11,7 @@ _COM_SMARTPTR_TYPEDEF(ISettingsTransfer, __uuidof(ISettingsTransfer));
 class ComSettingsNode final : public SettingsNode {
 public:
     // A null node throws E_POINTER on first use.
-    explicit ComSettingsNode(ISettingsNodePtr node) : m_node(std::move(node)) {}
+    explicit ComSettingsNode(const ISettingsNodePtr& node) : m_node(node) {}
 
     SubNodeNames GetSubNodeNames() override;
     SettingsNodePtr GetSubNode(const std::wstring& name) override;
