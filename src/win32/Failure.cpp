@@ -1,0 +1,62 @@
+#include "win32/Failure.h"
+
+#include <comdef.h>
+
+#include <cwchar>
+#include <new>
+
+#include "resource.h"
+#include "trace/Trace.h"
+#include "win32/Resources.h"
+
+namespace win32 {
+namespace {
+
+HRESULT StatusOf(const std::exception_ptr& failure) noexcept {
+    try {
+        std::rethrow_exception(failure);
+    } catch (const _com_error& error) {
+        return error.Error();
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
+    } catch (...) {
+        return E_UNEXPECTED;
+    }
+}
+
+std::wstring Hexadecimal(HRESULT status) {
+    wchar_t text[16];
+    std::swprintf(text, std::size(text), L"0x%08lx", static_cast<unsigned long>(status));
+    return text;
+}
+
+}  // namespace
+
+void TraceFailure(const std::exception_ptr& failure, const char* source, int line, const wchar_t* name) noexcept {
+    try {
+        std::rethrow_exception(failure);
+    } catch (const _com_error& error) {
+        trace::TraceText(trace::kError, source, line, L"%ls: a host object failed with status 0x%08lx.", name,
+                         static_cast<unsigned long>(error.Error()));
+    } catch (const std::bad_alloc&) {
+        trace::TraceText(trace::kError, source, line, L"%ls: out of memory.", name);
+    } catch (...) {
+        trace::TraceText(trace::kError, source, line, L"%ls: unexpected failure.", name);
+    }
+}
+
+FailureReport DescribeFailure(const std::exception_ptr& failure) {
+    const HRESULT status = StatusOf(failure);
+    switch (status) {
+        case E_OUTOFMEMORY:
+            return {status, LoadText(IDS_FAILED_MEMORY)};
+        case E_UNEXPECTED:
+            return {status, LoadText(IDS_FAILED_UNEXPECTED)};
+        case REGDB_E_CLASSNOTREG:
+            return {status, FormatText(IDS_FAILED_NOT_REGISTERED, {Hexadecimal(status)})};
+        default:
+            return {status, FormatText(IDS_FAILED_HOST_OBJECT, {Hexadecimal(status)})};
+    }
+}
+
+}  // namespace win32

@@ -1,0 +1,20 @@
+#pragma once
+// What a failed handler leaves behind: a trace for the log and a text for the user.
+
+#include <windows.h>
+
+#include <exception>
+#include <string>
+
+namespace win32 {
+
+struct FailureReport {
+    HRESULT status;      // of a host call; E_OUTOFMEMORY, E_UNEXPECTED for the rest
+    std::wstring text;   // for the user: what happened and what to do
+};
+
+// Traces the failure at severity 2 as "<name>: ...", in the words of its kind.
+void TraceFailure(const std::exception_ptr& failure, const char* source, int line, const wchar_t* name) noexcept;
+FailureReport DescribeFailure(const std::exception_ptr& failure);
+
+}  // namespace win32

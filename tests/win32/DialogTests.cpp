@@ -1,0 +1,198 @@
+// The dialog layer: what becomes of failures, of refused values, of results and of owners.
+#include "win32/Dialog.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <new>
+
+#include "support/TraceRecorder.h"
+#include "test_resource.h"
+#include "win32/DialogDriver.h"
+
+namespace {
+
+constexpr UINT kMessageThatFails = WM_APP + 1;
+constexpr UINT kCodeWithResult = 77;
+
+using Action = std::function<void()>;
+
+class TestDlg : public CDialog {
+public:
+    explicit TestDlg(UINT templateId = IDD_TEST_PLAIN) : CDialog(templateId) {}
+
+    float m_fNumber = 1.0F;
+    Action m_onInit, m_onButton, m_onMessage, m_onDestroy;
+
+protected:
+    const wchar_t* GetName() const override { return L"TestDlg"; }
+    std::span<const win32::MessageEntry> GetMessageMap() const override {
+        static constexpr win32::MessageEntry kMap[] = {
+            win32::OnClick<&TestDlg::OnButton>(IDC_TEST_BUTTON),
+            win32::OnNotify<&TestDlg::OnNotice>(IDC_TEST_NUMBER, kCodeWithResult),
+            win32::OnMessage<&TestDlg::OnFailingMessage>(kMessageThatFails),
+            win32::OnMessage<&TestDlg::OnDestroy>(WM_DESTROY),
+        };
+        return kMap;
+    }
+    void DoDataExchange(CDataExchange& exchange) override {
+        if (GetDlgItem(IDC_TEST_NUMBER)) DDX_MinMaxFloat(exchange, IDC_TEST_NUMBER, m_fNumber, 0.0F, 1500.0F);
+    }
+    bool OnInitDialog() override {
+        if (m_onInit) m_onInit();
+        return CDialog::OnInitDialog();
+    }
+
+private:
+    void OnButton() { m_onButton(); }
+    LRESULT OnNotice(NMHDR*) { return 42; }
+    LRESULT OnFailingMessage(WPARAM, LPARAM) {
+        m_onMessage();
+        return 0;
+    }
+    LRESULT OnDestroy(WPARAM, LPARAM) {
+        if (m_onDestroy) m_onDestroy();
+        return 0;
+    }
+};
+
+class DialogLayer : public testing::Test {
+protected:
+    void SetUp() override {
+        test::TakeBoxes();
+        test::TakeTraces();
+    }
+    void TearDown() override { EXPECT_EQ(test::TakeBoxes().size(), 0U); }
+};
+
+const auto kOk = [](HWND dialog) { test::Push(dialog, IDOK); };
+const auto kCancel = [](HWND dialog) { test::Push(dialog, IDCANCEL); };
+const auto kButton = [](HWND dialog) { test::Push(dialog, IDC_TEST_BUTTON); };
+
+TEST_F(DialogLayer, AnExceptionOfTheInitialisationComesOutOfDoModal) {
+    TestDlg dialog;
+    dialog.m_onInit = [] { throw _com_error(E_POINTER); };
+    try {
+        dialog.DoModal();
+        ADD_FAILURE() << "nothing was thrown";
+    } catch (const _com_error& error) {
+        EXPECT_EQ(error.Error(), E_POINTER);
+    }
+    dialog.m_onInit = [] { throw std::bad_alloc(); };
+    EXPECT_THROW(dialog.DoModal(), std::bad_alloc);
+    // A handler that the initialisation itself sets off counts as part of it.
+    dialog.m_onInit = [&dialog] { dialog.SendMessage(kMessageThatFails); };
+    dialog.m_onMessage = [] { throw _com_error(E_FAIL); };
+    EXPECT_THROW(dialog.DoModal(), _com_error);
+    // The object is as good as new.
+    dialog.m_onInit = nullptr;
+    test::PlayDialog({kOk}, [&] { EXPECT_EQ(dialog.DoModal(), IDOK); });
+}
+
+TEST_F(DialogLayer, AFailingCommandIsToldEachTimeAndTheDialogStays) {
+    TestDlg dialog;
+    int pressed = 0;
+    dialog.m_onButton = [&pressed] {
+        if (++pressed <= 2) throw _com_error(REGDB_E_CLASSNOTREG);
+        if (pressed == 3) throw std::bad_alloc();
+    };
+    test::PlayDialog({kButton, kButton, kButton, kButton, kCancel}, [&] { EXPECT_EQ(dialog.DoModal(), IDCANCEL); });
+    const auto boxes = test::TakeBoxes();
+    ASSERT_EQ(boxes.size(), 3U);
+    EXPECT_NE(boxes[0].text.find(L"not registered (error 0x80040154)"), std::wstring::npos) << boxes[0].text.c_str();
+    EXPECT_NE(boxes[2].text.find(L"not enough memory"), std::wstring::npos);
+    EXPECT_EQ(boxes[0].style, static_cast<UINT>(MB_ICONERROR));
+    const auto traces = test::TakeTraces();
+    ASSERT_EQ(traces.size(), 3U);
+    EXPECT_EQ(traces[0].severity, 2);
+    EXPECT_EQ(traces[0].text, L"TestDlg: a host object failed with status 0x80040154.");
+}
+
+TEST_F(DialogLayer, AFailingNotificationIsToldOncePerCause) {
+    TestDlg dialog;
+    HRESULT status = E_FAIL;
+    dialog.m_onMessage = [&status] { throw _com_error(status); };
+    const auto moves = [](HWND window) {
+        for (int i = 0; i < 50; ++i) SendMessageW(window, kMessageThatFails, 0, 0);
+    };
+    test::PlayDialog({moves, moves, [&](HWND) { status = E_ACCESSDENIED; }, moves, kCancel},
+                     [&] { dialog.DoModal(); });
+    EXPECT_EQ(test::TakeBoxes().size(), 2U);
+    EXPECT_EQ(test::TakeTraces().size(), 2U);
+}
+
+TEST_F(DialogLayer, AFailureWhileClosingIsTracedAndTheResultStands) {
+    TestDlg dialog;
+    dialog.m_onDestroy = [] { throw _com_error(E_FAIL); };
+    test::PlayDialog({kOk}, [&] { EXPECT_EQ(dialog.DoModal(), IDOK); });
+    EXPECT_EQ(test::TakeTraces().size(), 1U);
+}
+
+TEST_F(DialogLayer, ResultsOfNotificationsReachTheSender) {
+    TestDlg dialog;
+    LRESULT known = 0;
+    LRESULT unknown = 1;
+    const auto notify = [&](HWND window) {
+        NMHDR header = {GetDlgItem(window, IDC_TEST_NUMBER), IDC_TEST_NUMBER, kCodeWithResult};
+        known = SendMessageW(window, WM_NOTIFY, IDC_TEST_NUMBER, reinterpret_cast<LPARAM>(&header));
+        header.code = 78;
+        unknown = SendMessageW(window, WM_NOTIFY, IDC_TEST_NUMBER, reinterpret_cast<LPARAM>(&header));
+    };
+    test::PlayDialog({notify, kCancel}, [&] { dialog.DoModal(); });
+    EXPECT_EQ(known, 42);
+    EXPECT_EQ(unknown, 0);
+}
+
+TEST_F(DialogLayer, RefusedNumbersKeepTheDialogOpenWithTheFieldSelected) {
+    for (const wchar_t* text : {L"", L"  ", L"12a", L"210,5", L"1500.01", L"-1", L"inf", L"nan", L"0x10", L"1e400"}) {
+        TestDlg dialog;
+        HWND focus = nullptr;
+        DWORD selection = 0;
+        test::PlayDialog({[&](HWND window) { SetDlgItemTextW(window, IDC_TEST_NUMBER, text); }, kButton, kOk,
+                          [&](HWND window) {
+                              focus = GetFocus();
+                              EXPECT_EQ(focus, GetDlgItem(window, IDC_TEST_NUMBER));
+                              selection = static_cast<DWORD>(SendMessageW(focus, EM_GETSEL, 0, 0));
+                          },
+                          kCancel},
+                         [&] {
+                             dialog.m_onButton = [] {};
+                             EXPECT_EQ(dialog.DoModal(), IDCANCEL);
+                         });
+        EXPECT_EQ(selection, static_cast<DWORD>(MAKELONG(0, wcslen(text))));
+        EXPECT_EQ(dialog.m_fNumber, 1.0F);
+        const auto boxes = test::TakeBoxes();
+        ASSERT_EQ(boxes.size(), 1U) << testing::PrintToString(text);
+        EXPECT_EQ(boxes[0].text,
+                  L"Field: please enter a number from 0 to 1500. Write decimals with a point, for example 8.5.");
+    }
+    for (const wchar_t* text : {L"1500", L" 0 ", L"1500.00001", L"1.5e3"}) {
+        TestDlg dialog;
+        test::PlayDialog({[&](HWND window) { SetDlgItemTextW(window, IDC_TEST_NUMBER, text); }, kOk},
+                         [&] { EXPECT_EQ(dialog.DoModal(), IDOK) << testing::PrintToString(text); });
+    }
+}
+
+TEST_F(DialogLayer, ADialogWithoutParentIsOwnedByTheOneItIsOpenedFrom) {
+    TestDlg outer;
+    outer.m_onButton = [&outer] {
+        TestDlg inner;
+        test::PlayDialog({[&](HWND window) {
+                              EXPECT_NE(window, outer.GetSafeHwnd());
+                              EXPECT_EQ(GetWindow(window, GW_OWNER), outer.GetSafeHwnd());
+                              EXPECT_FALSE(IsWindowEnabled(outer.GetSafeHwnd()));
+                          },
+                          kCancel},
+                         [&] { inner.DoModal(); });
+        EXPECT_TRUE(IsWindowEnabled(outer.GetSafeHwnd()));
+    };
+    test::PlayDialog({kButton, kCancel}, [&] { outer.DoModal(); });
+}
+
+TEST_F(DialogLayer, ATemplateThatCannotBeMadeGivesMinusOne) {
+    EXPECT_EQ(TestDlg(IDD_TEST_UNKNOWN_CLASS).DoModal(), -1);
+    EXPECT_EQ(TestDlg(9999).DoModal(), -1);
+    EXPECT_EQ(test::TakeTraces().size(), 0U);
+}
+
+}  // namespace
