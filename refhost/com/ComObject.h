@@ -43,6 +43,39 @@ HRESULT Guard(Body&& body) noexcept {
     }
 }
 
+// The four operations of IDispatch for an interface that is called by its table of operations alone:
+// com::Object<com::NoDispatch<IQuire>>.
+template <class Interface>
+class NoDispatch : public Interface {
+public:
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+        if (count == nullptr) return E_POINTER;
+        *count = 0;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) override {
+        if (info != nullptr) *info = nullptr;
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT count, LCID, DISPID* ids) override {
+        for (UINT i = 0; ids != nullptr && i < count; ++i) ids[i] = DISPID_UNKNOWN;
+        return DISP_E_UNKNOWNNAME;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
+        return DISP_E_MEMBERNOTFOUND;
+    }
+};
+
+// The interface that a base class of an object implements.
+template <class Base>
+struct InterfaceOf {
+    using Type = Base;
+};
+template <class Interface>
+struct InterfaceOf<NoDispatch<Interface>> {
+    using Type = Interface;
+};
+
 // Base of a COM object: counts references and answers QueryInterface for the listed interfaces (and for IDispatch where
 // one of them derives from it). It starts with one reference, its maker's.
 template <class First, class... Others>
@@ -76,11 +109,12 @@ protected:
     virtual HRESULT QueryOther(REFIID, void**) { return E_NOINTERFACE; }
 
 private:
-    template <class Interface>
+    template <class Base>
     bool Answer(REFIID iid, void** object) noexcept {
+        using Interface = typename InterfaceOf<Base>::Type;
         bool known = iid == __uuidof(Interface);
         if constexpr (std::is_base_of_v<IDispatch, Interface>) known = known || iid == __uuidof(IDispatch);
-        if (known) *object = static_cast<Interface*>(this);
+        if (known) *object = static_cast<Interface*>(static_cast<Base*>(this));
         return known;
     }
 
@@ -126,27 +160,5 @@ HRESULT GetClassObject(REFCLSID clsid, REFCLSID wanted, REFIID iid, void** objec
     if (clsid != wanted) return CLASS_E_CLASSNOTAVAILABLE;
     return Create<Factory<Class>>(iid, object);
 }
-
-// The four operations of IDispatch for an interface that is called by its table of operations alone.
-template <class Interface>
-class NoDispatch : public Interface {
-public:
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-        if (count == nullptr) return E_POINTER;
-        *count = 0;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) override {
-        if (info != nullptr) *info = nullptr;
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT count, LCID, DISPID* ids) override {
-        for (UINT i = 0; ids != nullptr && i < count; ++i) ids[i] = DISPID_UNKNOWN;
-        return DISP_E_UNKNOWNNAME;
-    }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
-        return DISP_E_MEMBERNOTFOUND;
-    }
-};
 
 }  // namespace com
