@@ -141,13 +141,12 @@ TEST(Masking, TensOfThousandsOfAreas) {
     std::vector<Area> areas;
     std::vector<uint8_t> covered(600 * 800);
     for (int i = 0; i < 40000; ++i) {
-        const auto left = static_cast<int32_t>(random() % 600);
+        const auto left = static_cast<int32_t>(random() % 600 & ~1u);
         const auto top = static_cast<int32_t>(random() % 800);
         // Tall and narrow, so that thousands are open at once.
         const auto bottom = std::min<int32_t>(800, top + static_cast<int32_t>(random() % 300));
         areas.push_back({left, top, left + 1, bottom});
-        for (int32_t y = top; y < bottom && i % 3 != 0; ++y) covered[static_cast<size_t>(y * 600 + left)] = 1;
-        if (i % 3 == 0) areas.pop_back();
+        for (int32_t y = top; y < bottom; ++y) covered[static_cast<size_t>(y * 600 + left)] = 1;
     }
     const auto masked = Masked(image, false, areas);
     for (uint32_t y = 0; y < 800; ++y) {
