@@ -1,6 +1,7 @@
 #include "win32/DialogDriver.h"
 
 #include <gtest/gtest.h>
+#include <ole2.h>
 
 #include <cstdio>
 #include <cwchar>
@@ -23,6 +24,15 @@ struct Player {
     int waited = 0;
 };
 Player* g_player = nullptr;
+
+class OleEnvironment final : public testing::Environment {
+    void SetUp() override {
+        SetProcessDPIAware();
+        ASSERT_TRUE(SUCCEEDED(OleInitialize(nullptr)));
+    }
+    void TearDown() override { OleUninitialize(); }
+};
+testing::Environment* const g_ole = testing::AddGlobalTestEnvironment(new OleEnvironment);
 
 BOOL CALLBACK FindDialog(HWND window, LPARAM found) {
     wchar_t name[16] = {};
