@@ -77,7 +77,8 @@ std::filesystem::path DefaultSettings() {
 void PathOption(CLI::App& app, const char* name, std::filesystem::path& path, const char* help, const char* type) {
     app.add_option_function<std::string>(
            name, [&path](const std::string& text) { path = PathFromUtf8(text); }, help)
-        ->type_name(type);
+        ->type_name(type)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
 }
 
 CLI::Option* PathsOption(CLI::App& app, const char* name, std::vector<std::filesystem::path>& paths, const char* help) {

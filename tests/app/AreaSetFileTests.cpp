@@ -21,6 +21,13 @@ std::string MessageFor(const std::string& text) {
     return "no error";
 }
 
+std::string Quoted(const std::string& text) {
+    std::string quoted = "\"";
+    quoted += text;
+    quoted += "\"";
+    return quoted;
+}
+
 // One set with the given entries in place of the good ones.
 std::string SetWith(const std::string& name, const std::string& rest) {
     return R"({"sets":[{"name":)" + name + "," + rest + "}]}";
@@ -63,10 +70,10 @@ TEST(AreaSetFile, EveryMistakeIsToldWithItsPlace) {
         {SetWith("\"a\\u0007\"", kGoodRest), "sets.json: sets[0].name: must not hold control characters"},
         {SetWith("\"\"", kGoodRest), "sets[0].name: must not be empty"},
         {SetWith("5", kGoodRest), "sets[0].name: must be a text"},
-        {SetWith("\"" + longest + "x\"", kGoodRest), "sets[0].name: longer than 63 characters"},
-        {SetWith("\"" + longest + "\"", kGoodRest), "no error"},
+        {SetWith(Quoted(longest + "x"), kGoodRest), "sets[0].name: longer than 63 characters"},
+        {SetWith(Quoted(longest), kGoodRest), "no error"},
         // 62 units and a character of two.
-        {SetWith("\"" + longest.substr(1) + "\xF0\x9F\x93\x84\"", kGoodRest), "longer than 63 characters"},
+        {SetWith(Quoted(longest.substr(1) + "\xF0\x9F\x93\x84"), kGoodRest), "longer than 63 characters"},
         {SetWith("\"\xFF\"", kGoodRest), "no valid JSON"},
         {SetWith("\"a\"", R"("mode":"keep","areas":[])"), "sets[0].mode: must be \"required\" or \"ignored\""},
         {SetWith("\"a\"", R"("mode":"required","flags":268435456,"areas":[])"), "sets[0].flags: does not agree"},

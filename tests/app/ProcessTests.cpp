@@ -230,8 +230,6 @@ TEST_F(Zonhost, SourcesAndEarlierResultsAreNeverOverwritten) {
     ASSERT_TRUE(
         CreateHardLinkW((m_folder / "linked" / "page0.bmp").c_str(), (m_folder / "in" / "page0.bmp").c_str(), nullptr));
     EXPECT_EQ(Run(L"mask --set Drop --out linked --format bmp --force in\\page0.bmp").code, 4u);
-    // The result of one page would be the source of another.
-    EXPECT_EQ(Run(L"mask --set Drop --out in --format bmp --force out\\page0.png in\\page0.bmp").code, 1u);
     EXPECT_EQ(ReadAll(m_folder / "in" / "page0.bmp"), source);
     EXPECT_EQ(ReadAll(m_folder / "linked" / "page0.bmp"), source);
 }
