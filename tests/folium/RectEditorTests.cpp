@@ -1,0 +1,253 @@
+#include "folium/EditorFixture.h"
+
+namespace folium {
+
+std::ostream& operator<<(std::ostream& out, const Rect& rect);
+
+namespace {
+
+using RectEditorTest = EditorFixture;
+
+TEST_F(RectEditorTest, DrawsOnThePage) {
+    DragFromTo({900, 800}, {300, 200});
+    EXPECT_EQ(At(1), (Rect{300, 200, 900, 800}));
+    EXPECT_EQ(Told(), "added1 selected1");
+    DragFromTo({1500, 2500}, {5000, 4000});
+    EXPECT_EQ(At(2), (Rect{1500, 2500, 2100, 2970})) << "ends at the page's edge";
+    DragFromTo({1200, 1200}, {1220, 1201});
+    EXPECT_EQ(At(3), (Rect{1200, 1200, 1220, 1210})) << "no side under a millimetre";
+    Told();
+    DragFromTo({1300, 1300}, {1303, 1304});
+    DragFromTo({-500, 100}, {-100, 900});
+    DragFromTo({2200, 3000}, {INT32_MAX, INT32_MAX});
+    EXPECT_EQ(Told(), "") << "a click and drags beside the page draw nothing";
+    EXPECT_EQ(model.Primary(), 0) << "and end the selection";
+}
+
+TEST_F(RectEditorTest, MovesAndKeepsOnThePage) {
+    struct {
+        Rect rect;
+        Point by;
+        Rect moved;
+    } const cases[] = {
+        {{500, 500, 700, 600}, {120, -60}, {620, 440, 820, 540}},
+        {{500, 500, 700, 600}, {-9000, 9000}, {0, 2870, 200, 2970}},
+        // One that hangs over the edge may stay there but goes no further out.
+        {{2000, 500, 2300, 600}, {50, 50}, {2000, 550, 2300, 650}},
+        {{2000, 500, 2300, 600}, {-400, 50}, {1600, 550, 1900, 650}},
+        {{-50, -50, 2200, 3100}, {30, -30}, {-50, -50, 2200, 3100}},
+    };
+    for (const auto& test : cases) {
+        const int32_t id = Add(test.rect);
+        const Point inside = {(test.rect.left + test.rect.right) / 2, (test.rect.top + test.rect.bottom) / 2};
+        DragFromTo(inside, {inside.x + test.by.x, inside.y + test.by.y}, {.alt = true});
+        EXPECT_EQ(At(id), test.moved);
+        model.Delete(id);
+    }
+}
+
+TEST_F(RectEditorTest, EightHandlesSize) {
+    for (int i = 0; i < kHandleCount; ++i) {
+        const Rect rect = {500, 1000, 900, 1500};
+        const int32_t id = Add(rect);
+        model.Select(id);
+        const auto handle = static_cast<Handle>(i);
+        const auto spot = HandleSpot({500, 1000, 900, 1500}, handle, reach.handle);
+        const Point from = {static_cast<int32_t>(spot->x), static_cast<int32_t>(spot->y)};
+        DragFromTo(from, {from.x + 40, from.y + 60}, {.alt = true});
+        Rect expected = rect;
+        if (HorizontalEdge(handle) < 0) expected.left += 40;
+        if (HorizontalEdge(handle) > 0) expected.right += 40;
+        if (VerticalEdge(handle) < 0) expected.top += 60;
+        if (VerticalEdge(handle) > 0) expected.bottom += 60;
+        EXPECT_EQ(At(id), expected) << i;
+        model.Delete(id);
+    }
+}
+
+TEST_F(RectEditorTest, SizingStopsAtTheShortestSide) {
+    const int32_t id = Add({500, 500, 700, 700});
+    model.Select(id);
+    DragFromTo({700, 700}, {100, 100}, {.alt = true});
+    EXPECT_EQ(At(id), (Rect{500, 500, 510, 510}));
+    const int32_t thin = Add({1000, 1000, 1400, 1003});
+    model.Select(thin);
+    DragFromTo({1200, 1001}, {1210, 1021}, {.alt = true});
+    EXPECT_EQ(At(thin), (Rect{1010, 1020, 1410, 1023})) << "one that is thinner already can still be moved";
+}
+
+TEST_F(RectEditorTest, TinyRectangleCanBeMovedAndSized) {
+    const int32_t id = Add({1000, 1000, 1020, 1020});
+    model.Select(id);
+    DragFromTo({1010, 1010}, {1110, 1110}, {.alt = true});
+    EXPECT_EQ(At(id), (Rect{1100, 1100, 1120, 1120}));
+    DragFromTo({1130, 1130}, {1160, 1160}, {.alt = true});
+    EXPECT_EQ(At(id), (Rect{1100, 1100, 1150, 1150}));
+}
+
+TEST_F(RectEditorTest, EscapeTakesBack) {
+    const int32_t id = Add({500, 500, 700, 700});
+    model.StartHistory();
+    const std::vector<Item> before = model.Items();
+    const Point starts[] = {{600, 600}, {700, 700}, {1000, 1000}};
+    for (const Point& start : starts) {
+        model.Select(id);
+        Told();
+        editor.Press(start, {}, reach);
+        editor.Drag({start.x + 100, start.y + 100}, {});
+        EXPECT_TRUE(editor.Busy());
+        EXPECT_TRUE(editor.Cancel());
+        editor.Drag({start.x + 200, start.y + 100}, {});
+        editor.Release();
+        EXPECT_EQ(model.Items(), before);
+        EXPECT_EQ(Told(), "");
+    }
+    EXPECT_FALSE(editor.Cancel()) << "Escape is the dialog's now";
+    EXPECT_FALSE(model.Undo());
+}
+
+TEST_F(RectEditorTest, SmallestOfOverlappingIsPicked) {
+    Add({1000, 1000, 1100, 1100});
+    Add({500, 500, 2000, 2000});
+    Add({800, 800, 1500, 1500});
+    Add({1000, 1000, 1100, 1100});
+    const std::pair<Point, int32_t> cases[] = {
+        {{1050, 1050}, 4}, {{1400, 1400}, 3}, {{1900, 1900}, 2}, {{100, 100}, 0}};
+    for (const auto& [position, id] : cases) {
+        editor.Press(position, {}, reach);
+        editor.Release();
+        EXPECT_EQ(model.Primary(), id) << position.x;
+    }
+    model.Select(2);
+    EXPECT_EQ(HitTest(model, {2000, 2000}, 10, 5).handle, Handle::BottomRight);
+    model.Update(1, {1990, 1990, 2010, 2010});
+    EXPECT_EQ(HitTest(model, {2000, 2000}, 10, 5).id, 2) << "handles come before smaller rectangles";
+}
+
+TEST_F(RectEditorTest, SnapsToPageAndOthersUnlessAlt) {
+    Add({1000, 1000, 1500, 1500});
+    struct {
+        Point from, to;
+        bool alt;
+        Rect rect;
+    } const cases[] = {
+        {{12, 7}, {990, 400}, false, {0, 0, 1000, 400}},
+        {{12, 7}, {990, 400}, true, {12, 7, 990, 400}},
+        {{300, 1490}, {1014, 2960}, false, {300, 1500, 1000, 2970}},
+        {{300, 1480}, {980, 2950}, false, {300, 1480, 980, 2950}},
+    };
+    for (const auto& test : cases) {
+        DragFromTo(test.from, test.to, {.alt = test.alt});
+        const int32_t id = model.Primary();
+        EXPECT_EQ(At(id), test.rect);
+        model.Delete(id);
+    }
+    const int32_t id = Add({300, 300, 500, 600});
+    DragFromTo({400, 400}, {890, 400});
+    EXPECT_EQ(At(id), (Rect{800, 300, 1000, 600})) << "the right edge goes to the other one's left, 10 further";
+    model.Select(id);
+    DragFromTo({900, 600}, {930, 992});
+    EXPECT_EQ(At(id), (Rect{800, 300, 1000, 1000})) << "sizing at one edge snaps that edge";
+}
+
+TEST_F(RectEditorTest, KeysMoveAndSize) {
+    const int32_t id = Add({500, 500, 700, 700});
+    editor.Walk(false);
+    editor.Nudge(1, -1, false, false);
+    editor.Nudge(0, 10, false, false);
+    editor.Nudge(-250, 5, true, false);
+    EXPECT_EQ(At(id), (Rect{501, 509, 511, 714}));
+    EXPECT_EQ(Told(), "selected1 changed1 changed1 changed1");
+    editor.Nudge(INT32_MIN, INT32_MIN, false, false);
+    EXPECT_EQ(At(id), (Rect{0, 0, 10, 205}));
+    editor.Nudge(-1, 0, false, false);
+    EXPECT_EQ(Told(), "changed1") << "at the edge there is nothing to tell";
+    editor.Nudge(INT32_MAX, INT32_MAX, true, false);
+    EXPECT_EQ(At(id), (Rect{0, 0, 2100, 2970}));
+}
+
+TEST_F(RectEditorTest, TabWalksAndLeads) {
+    EXPECT_FALSE(editor.CanWalk(false) || editor.Walk(true));
+    for (int i = 0; i < 3; ++i) Add({i * 100, 0, i * 100 + 50, 50});
+    while (editor.Walk(false)) {
+    }
+    while (editor.Walk(true)) {
+    }
+    EXPECT_EQ(Told(), "selected1 selected2 selected3 selected2 selected1");
+    editor.Walk(false);
+    editor.DeleteSelected();
+    editor.Walk(false);
+    EXPECT_EQ(Told(), "selected2 deleted2 selected3") << "goes on where the deleted one was";
+}
+
+TEST_F(RectEditorTest, EnterStartsAndEndsANewOne) {
+    editor.StartOrEndNew({0, 0, 2100, 2970});
+    EXPECT_EQ(Told(), "");
+    editor.Nudge(10, 20, false, false);
+    editor.Nudge(3, 4, true, false);
+    const Rect shown = editor.Drafts().front().now;
+    EXPECT_TRUE(editor.MakingByKeys());
+    editor.StartOrEndNew({});
+    EXPECT_EQ(At(1), shown);
+    EXPECT_EQ(shown, (Rect{797, 1134, 1325, 1880}));
+    EXPECT_EQ(Told(), "added1 selected1");
+    editor.StartOrEndNew({0, 0, 1, 1});
+    EXPECT_TRUE(editor.Undo());
+    EXPECT_EQ(model.Items().size(), 1u) << "undo takes back what is under way";
+
+    editor.SetPage({4, 4});
+    editor.StartOrEndNew({0, 0, 4, 4});
+    editor.StartOrEndNew({0, 0, 4, 4});
+    EXPECT_EQ(At(2), (Rect{0, 0, 4, 4})) << "a page smaller than the shortest side";
+}
+
+TEST_F(RectEditorTest, ModesLimitWhatIsDone) {
+    for (int i = 0; i < 3; ++i) Add({i * 300, 100, i * 300 + 200, 300});
+    editor.SelectAll();
+    EXPECT_EQ(model.Primary(), 0);
+    editor.SetMode(true, true);
+    editor.SelectAll();
+    EXPECT_EQ(model.Selection().size(), 3u);
+    DragFromTo({400, 200}, {450, 250}, {.alt = true});
+    EXPECT_EQ(At(1), (Rect{50, 150, 250, 350}));
+    EXPECT_EQ(At(3), (Rect{650, 150, 850, 350}));
+    EXPECT_EQ(model.Selection().size(), 3u);
+    editor.Press({400, 200}, {.shift = true}, reach);
+    editor.Release();
+    EXPECT_EQ(model.Selection(), (std::vector<int32_t>{1, 3}));
+    editor.Press({100, 200}, {}, reach);
+    editor.Release();
+    EXPECT_EQ(model.Selection(), (std::vector<int32_t>{1})) << "a plain click leaves the one";
+
+    editor.SetMode(false, false);
+    Told();
+    DragFromTo({100, 200}, {900, 900});
+    DragFromTo({1500, 1500}, {1900, 1900});
+    editor.Nudge(5, 5, false, false);
+    editor.StartOrEndNew({0, 0, 2100, 2970});
+    editor.DeleteSelected();
+    EXPECT_FALSE(editor.Undo() || editor.Busy());
+    EXPECT_EQ(Told(), "");
+}
+
+// What a program does to a rectangle that is just being dragged, in an event or from a timer.
+TEST_F(RectEditorTest, DragEndsWhenItsRectangleGoes) {
+    const int32_t id = Add({500, 500, 700, 700});
+    editor.Press({600, 600}, {}, reach);
+    editor.Drag({700, 700}, {});
+    model.Delete(id);
+    editor.Forget(id);
+    editor.Drag({800, 800}, {});
+    editor.Release();
+    EXPECT_EQ(Told(), "selected1 deleted1");
+
+    Add({500, 500, 700, 700});
+    onEvent = [&](const Event& event) {
+        if (event.kind == EventKind::Selected) model.Delete(event.id);
+    };
+    DragFromTo({600, 600}, {900, 900});
+    EXPECT_EQ(Told(), "selected2 deleted2");
+}
+
+}  // namespace
+}  // namespace folium
