@@ -25,7 +25,7 @@ struct PagePixels {
 };
 
 // Found by QueryInterface on a page image. Everything in the record stays valid until the page image is loaded or made
-// blank anew or released. A page image that holds no page gives E_NOT_VALID_STATE.
+// blank anew or released. A page image that holds no page gives E_UNEXPECTED.
 struct IPagePixels : IUnknown {
     virtual HRESULT STDMETHODCALLTYPE GetPixels(PagePixels* pixels) = 0;  // 3
 };

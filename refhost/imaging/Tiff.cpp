@@ -130,6 +130,26 @@ std::optional<TiffDirectory> TiffFrame(std::span<const uint8_t> file, uint32_t f
     return {};
 }
 
+uint32_t CountTiffFrames(const ReadAt& read) {
+    uint8_t header[8];
+    if (!read(0, header, sizeof header) || !IsTiff(header)) return 0;
+    const bool bigEndian = header[0] == 'M';
+    std::set<uint32_t> seen;
+    uint32_t offset = Get32(header, 4, bigEndian);
+    uint32_t frames = 0;
+    while (frames < kMaxFrames && offset >= sizeof header && seen.insert(offset).second) {
+        uint8_t number[4];
+        if (!read(offset, number, 2)) break;
+        const size_t entries = Get16(std::span(number), 0, bigEndian);
+        const uint64_t next = uint64_t{offset} + 2 + entries * kEntrySize;
+        if (entries == 0 || next > UINT32_MAX) break;
+        ++frames;
+        if (!read(static_cast<uint32_t>(next), number, 4)) break;
+        offset = Get32(number, 0, bigEndian);
+    }
+    return frames;
+}
+
 namespace {
 
 // Lays a file out: header, directory, values, image data.

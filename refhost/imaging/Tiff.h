@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <vector>
@@ -52,6 +53,13 @@ bool IsTiff(std::span<const uint8_t> file);
 
 // The directory of a frame, counted from 0 along the file's chain.
 std::optional<TiffDirectory> TiffFrame(std::span<const uint8_t> file, uint32_t frame);
+
+// Reads `size` bytes at a place of a file; false when they are not there.
+using ReadAt = std::function<bool(uint32_t offset, uint8_t* to, size_t size)>;
+
+// The number of frames, found with a few small reads, so that a large file need not be read to know its pages. 0 for
+// what is no TIFF; a chain that is broken or runs in a circle counts up to there.
+uint32_t CountTiffFrames(const ReadAt& read);
 
 // A TIFF file with just that frame, its image data byte for byte; empty when the frame cannot be taken out (damaged, or
 // of the old form of JPEG whose parts lie anywhere in the file).

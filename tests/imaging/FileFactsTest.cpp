@@ -131,6 +131,21 @@ TEST(Tiff, FrameTakenOutHasItsOwnPiecesOnly) {
     EXPECT_FALSE(TiffFrame(file, 3));
 }
 
+ReadAt ReaderOf(const std::vector<uint8_t>& file) {
+    return [&file](uint32_t offset, uint8_t* to, size_t size) {
+        if (offset > file.size() || file.size() - offset < size) return false;
+        std::copy_n(file.begin() + static_cast<ptrdiff_t>(offset), size, to);
+        return true;
+    };
+}
+
+TEST(Tiff, FramesAreCountedWithoutReadingTheFile) {
+    EXPECT_EQ(CountTiffFrames(ReaderOf(ReadTestFile(kFaxPages))), 3u);
+    EXPECT_EQ(CountTiffFrames(ReaderOf(ReadTestFile(kData + "/rgb-zip-bigendian.tif"))), 1u);
+    EXPECT_EQ(CountTiffFrames(ReaderOf(ReadTestFile(kData + "/rgb.jpg"))), 0u);
+    EXPECT_EQ(CountTiffFrames(ReaderOf({})), 0u);
+}
+
 TEST(Tiff, DirectoriesInACircleEnd) {
     std::vector<uint8_t> file = ReadTestFile(kData + "/bits-none.tif");
     const size_t directory = file[4] | file[5] << 8;
@@ -138,6 +153,7 @@ TEST(Tiff, DirectoriesInACircleEnd) {
     std::copy_n(file.begin() + 4, 4, file.begin() + static_cast<ptrdiff_t>(next));
     EXPECT_TRUE(TiffFrame(file, 0));
     EXPECT_FALSE(TiffFrame(file, 1));
+    EXPECT_EQ(CountTiffFrames(ReaderOf(file)), 1u);
 }
 
 TEST(Damage, ChangedBytesNeverLeadOutsideTheFile) {
@@ -150,6 +166,7 @@ TEST(Damage, ChangedBytesNeverLeadOutsideTheFile) {
                 damaged[random() % damaged.size()] = static_cast<uint8_t>(random() % 3 == 0 ? 0xFF : random());
             }
             ReadFileFacts(damaged, round % 4);
+            CountTiffFrames(ReaderOf(damaged));
             if (const auto frame = TiffFrame(damaged, 0)) {
                 ASSERT_LE(ExtractTiffFrame(damaged, *frame).size(), 4 * file.size() + 4096);
             }
