@@ -70,7 +70,7 @@ ProgressBar::ProgressBar(size_t total) : m_total(total), m_shown(total > 0 && Er
 }
 
 ProgressBar::~ProgressBar() {
-    Clear();
+    End();
 }
 
 void ProgressBar::Advance() {
@@ -82,6 +82,11 @@ void ProgressBar::Report(std::string_view line) {
     Clear();
     PrintError(std::string(line) + "\n");
     Draw();
+}
+
+void ProgressBar::End() {
+    Clear();
+    m_shown = false;
 }
 
 void ProgressBar::Draw() const {

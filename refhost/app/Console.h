@@ -28,6 +28,8 @@ public:
     void Advance();
     // Prints a message above the bar.
     void Report(std::string_view line);
+    // Takes the bar away for good.
+    void End();
 
 private:
     void Draw() const;

@@ -73,6 +73,7 @@ public:
             MaskFile(file, opened);
         }
         while (!m_saves.empty()) FinishSave();
+        m_progress.End();
         return Conclude();
     }
 

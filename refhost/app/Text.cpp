@@ -39,7 +39,7 @@ std::string Utf8FromPath(const fs::path& path) {
 }
 
 fs::path PathFromUtf8(std::string_view text) {
-    return {std::u8string(text.begin(), text.end())};
+    return fs::path(std::u8string(text.begin(), text.end())).make_preferred();
 }
 
 size_t Utf16Length(std::string_view text) {
