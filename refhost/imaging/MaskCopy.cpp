@@ -17,103 +17,85 @@ uint8_t Merged(uint8_t to, uint8_t from, uint8_t bits) {
     return static_cast<uint8_t>((to & ~bits) | (from & bits));
 }
 
-// Splits a run of bits into a leading part of a byte, whole bytes and a trailing part; `part(index, bits)` and
-// `whole(index, count)` do them.
-template <class Part, class Whole>
-void ForBits(size_t begin, size_t end, Part part, Whole whole) {
+// A run of pixels as whole bytes between two parts of a byte; for formats of whole bytes the parts are empty.
+struct Run {
+    size_t first;   // the byte of the leading part
+    size_t whole;   // the first whole byte
+    size_t count;   // of whole bytes
+    uint8_t lead;   // bits of the leading part
+    uint8_t trail;  // and of the one behind the whole bytes
+};
+
+Run RunOfBits(size_t begin, size_t end) {
     const size_t first = begin / 8;
     const size_t last = end / 8;
-    if (first == last) {
-        part(first, BitsBetween(begin % 8, end % 8));
-        return;
-    }
-    size_t from = first;
-    if (begin % 8 != 0) part(from++, BitsBetween(begin % 8, 8));
-    if (from < last) whole(from, last - from);
-    if (end % 8 != 0) part(last, BitsBetween(0, end % 8));
-}
-
-void FillBits(uint8_t* row, size_t begin, size_t end, uint8_t paper) {
-    ForBits(
-        begin, end, [&](size_t i, uint8_t bits) { row[i] = Merged(row[i], paper, bits); },
-        [&](size_t i, size_t count) { std::memset(row + i, paper, count); });
-}
-
-void CopyBits(uint8_t* row, const uint8_t* source, size_t begin, size_t end) {
-    ForBits(
-        begin, end, [&](size_t i, uint8_t bits) { row[i] = Merged(row[i], source[i], bits); },
-        [&](size_t i, size_t count) { std::memcpy(row + i, source + i, count); });
+    if (first == last) return {first, first, 0, BitsBetween(begin % 8, end % 8), 0};
+    const uint8_t lead = begin % 8 == 0 ? uint8_t{0} : BitsBetween(begin % 8, 8);
+    const size_t whole = lead == 0 ? first : first + 1;
+    return {first, whole, last - whole, lead, BitsBetween(0, end % 8)};
 }
 
 class Copier {
 public:
-    Copier(const Bitmap& image, uint8_t* target)
-        : m_image(image), m_target(target), m_paper(image.PaperByte()), m_pixelBytes(image.Bits() / 8) {}
+    Copier(const Bitmap& image, uint8_t* target) : m_image(image), m_target(target), m_paper(image.PaperByte()) {}
 
     void Band(uint32_t top, uint32_t bottom, std::span<const PixelRange> masked) const {
-        // Rows lie bottom-up: the lowest one comes first in memory.
-        const size_t offset = m_image.RowOffset(bottom - 1);
-        const size_t size = (bottom - top) * m_image.Stride();
-        if (masked.empty()) {
-            std::memcpy(m_target + offset, m_image.Data() + offset, size);
-        } else if (masked.size() == 1 && masked[0].begin == 0 && masked[0].end == m_image.Width()) {
-            std::memset(m_target + offset, m_paper, size);
-        } else if (m_image.Bits() == 1) {
-            BitBand(offset, size, masked);
-        } else {
-            for (size_t row = offset; row < offset + size; row += m_image.Stride()) ByteRow(row, masked);
+        size_t count = 0;
+        for (const PixelRange& range : masked) count += range.end - range.begin;
+        // Rows lie bottom-up: the lowest one comes first in memory. What the greater part of them needs is done at
+        // once, then the runs of the lesser part one below the other.
+        const Rows rows = {m_image.RowOffset(bottom - 1), m_image.RowOffset(top) + m_image.Stride()};
+        if (count <= m_image.Width() / 2) {
+            std::memcpy(m_target + rows.begin, m_image.Data() + rows.begin, rows.end - rows.begin);
+            for (const PixelRange& range : masked) Fill(rows, RunOf(range.begin, range.end));
+            return;
         }
+        std::memset(m_target + rows.begin, m_paper, rows.end - rows.begin);
+        uint32_t done = 0;
+        for (const PixelRange& range : masked) {
+            if (range.begin > done) Copy(rows, RunOf(done, range.begin));
+            done = range.end;
+        }
+        if (done < m_image.Width()) Copy(rows, RunOf(done, m_image.Width()));
     }
 
 private:
-    // The end of the last run of a row takes what lies behind it along.
-    size_t ByteEnd(uint32_t x) const { return x == m_image.Width() ? m_image.Stride() : x * m_pixelBytes; }
-    size_t BitEnd(uint32_t x) const { return x == m_image.Width() ? m_image.Stride() * 8 : x; }
+    struct Rows {
+        size_t begin;  // of the band, in bytes
+        size_t end;
+    };
 
-    void ByteRow(size_t row, std::span<const PixelRange> masked) const {
-        uint8_t* to = m_target + row;
-        const uint8_t* from = m_image.Data() + row;
-        size_t done = 0;
-        for (const PixelRange& range : masked) {
-            const size_t begin = range.begin * m_pixelBytes;
-            const size_t end = ByteEnd(range.end);
-            if (begin > done) std::memcpy(to + done, from + done, begin - done);
-            std::memset(to + begin, m_paper, end - begin);
-            done = end;
-        }
-        if (done < m_image.Stride()) std::memcpy(to + done, from + done, m_image.Stride() - done);
+    Run RunOf(uint32_t begin, uint32_t end) const {
+        if (m_image.Bits() == 1) return RunOfBits(begin, end);
+        const size_t pixel = m_image.Bits() / 8;
+        return {begin * pixel, begin * pixel, (end - begin) * pixel, 0, 0};
     }
 
-    // The greater part of a band at once, then the runs of the lesser part row by row.
-    void BitBand(size_t offset, size_t size, std::span<const PixelRange> masked) const {
-        size_t count = 0;
-        for (const PixelRange& range : masked) count += range.end - range.begin;
-        const bool fillFirst = count > m_image.Width() / 2;
-        if (fillFirst) {
-            std::memset(m_target + offset, m_paper, size);
-        } else {
-            std::memcpy(m_target + offset, m_image.Data() + offset, size);
-        }
-        for (size_t row = offset; row < offset + size; row += m_image.Stride()) {
+    void Fill(Rows rows, const Run& run) const {
+        const bool parts = (run.lead | run.trail) != 0;
+        for (size_t row = rows.begin; row < rows.end; row += m_image.Stride()) {
             uint8_t* to = m_target + row;
-            if (!fillFirst) {
-                for (const PixelRange& range : masked) FillBits(to, range.begin, BitEnd(range.end), m_paper);
-                continue;
-            }
+            std::memset(to + run.whole, m_paper, run.count);
+            if (!parts) continue;
+            to[run.first] = Merged(to[run.first], m_paper, run.lead);
+            if (run.trail != 0) to[run.whole + run.count] = Merged(to[run.whole + run.count], m_paper, run.trail);
+        }
+    }
+
+    void Copy(Rows rows, const Run& run) const {
+        for (size_t row = rows.begin; row < rows.end; row += m_image.Stride()) {
+            uint8_t* to = m_target + row;
             const uint8_t* from = m_image.Data() + row;
-            size_t done = 0;
-            for (const PixelRange& range : masked) {
-                if (range.begin > done) CopyBits(to, from, done, range.begin);
-                done = BitEnd(range.end);
-            }
-            if (done < m_image.Width()) CopyBits(to, from, done, m_image.Stride() * 8);
+            std::memcpy(to + run.whole, from + run.whole, run.count);
+            if (run.lead != 0) to[run.first] = Merged(to[run.first], from[run.first], run.lead);
+            const size_t last = run.whole + run.count;
+            if (run.trail != 0) to[last] = Merged(to[last], from[last], run.trail);
         }
     }
 
     const Bitmap& m_image;
     uint8_t* m_target;
     uint8_t m_paper;
-    size_t m_pixelBytes;
 };
 
 }  // namespace

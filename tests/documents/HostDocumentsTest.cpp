@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -123,7 +124,6 @@ protected:
     static HRESULT LoadInto(IImageLoader* loader, const Bytes& bytes) {
         return loader->LoadFromMemory(bytes.data(), static_cast<LONG>(bytes.size()));
     }
-    // Width of the page in the form and the resolutions that tell pages of the samples apart.
     static SIZE SizeOf(IImageLoader* loader) {
         SIZE size = {-1, -1};
         EXPECT_EQ(IPageImagePtr(loader)->GetSize(&size), S_OK);

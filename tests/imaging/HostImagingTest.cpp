@@ -30,7 +30,6 @@ std::vector<uint8_t> ReadTestFile(const std::wstring& path) {
 
 struct Free {
     void operator()(void* block) const { std::free(block); }
-    static void CloseFile(void* file) { HostCloseImageFile(file); }
 };
 template <void (*Release)(void*)>
 struct Releaser {
@@ -302,6 +301,28 @@ TEST_F(HostImaging, CutOffFilesFailAndSayWhy) {
                 }
             }
             EXPECT_GT(std::wcslen(HostImagingErrorText()), 30u) << HostImagingErrorText();
+        }
+    }
+}
+
+TEST_F(HostImaging, ChangedBytesGiveAnImageOrAFailure) {
+    std::mt19937 random(5);
+    for (const char* name :
+         {"/rgb.jpg", "/palette16.png", "/alpha.png", "/rgb-lzw.tif", "/bits-g4.tif", "/bits-g31d.tif"}) {
+        const std::vector<uint8_t> whole = ReadTestFile(Wide(kData + name));
+        for (int round = 0; round < 150; ++round) {
+            std::vector<uint8_t> damaged = whole;
+            for (int change = 0; change < 3; ++change) {
+                // Mostly in the headers, where sizes stand.
+                const size_t range = random() % 3 == 0 ? damaged.size() : std::min<size_t>(damaged.size(), 64);
+                damaged[random() % range] = static_cast<uint8_t>(random());
+            }
+            void* file = nullptr;
+            uint32_t frames = 0;
+            void* image = nullptr;
+            if (!HostOpenImageMemory(damaged.data(), damaged.size(), &file, &frames)) continue;
+            const File owner(file);
+            if (HostLoadFrame(file, 0, 0, 0, &image)) HostReleaseImage(image);
         }
     }
 }
