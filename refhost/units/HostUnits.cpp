@@ -81,4 +81,6 @@ STDAPI DllGetClassObject(REFCLSID classId, REFIID iid, void** object) {
     return com::GetClassObject<Units>(host::kClsidMeasureUnits, classId, iid, object);
 }
 
-STDAPI DllCanUnloadNow() { return com::CanUnloadNow(); }
+STDAPI DllCanUnloadNow() {
+    return com::CanUnloadNow();
+}

@@ -11,7 +11,9 @@ constexpr int32_t kPerMillimetre = 10;
 constexpr int32_t kPerInch = 254;
 constexpr int kInchDecimals = 1000;
 
-int32_t PerUnit(MeasureSystem system) { return system == MeasureSystem::kMetric ? kPerMillimetre : kPerInch; }
+int32_t PerUnit(MeasureSystem system) {
+    return system == MeasureSystem::kMetric ? kPerMillimetre : kPerInch;
+}
 
 std::wstring Digits(int64_t value, int64_t scale) {
     std::wstring text = value < 0 ? L"-" : L"";
@@ -25,7 +27,9 @@ std::wstring Digits(int64_t value, int64_t scale) {
 
 }  // namespace
 
-double ToUser(int32_t length, MeasureSystem system) { return static_cast<double>(length) / PerUnit(system); }
+double ToUser(int32_t length, MeasureSystem system) {
+    return static_cast<double>(length) / PerUnit(system);
+}
 
 int32_t FromUser(double value, MeasureSystem system) {
     using Limits = std::numeric_limits<int32_t>;
@@ -42,6 +46,8 @@ std::wstring Format(int32_t length, MeasureSystem system) {
     return Digits((int64_t{length} * kInchDecimals + half) / kPerInch, kInchDecimals);
 }
 
-const wchar_t* UnitName(MeasureSystem system) { return system == MeasureSystem::kMetric ? L"mm" : L"in"; }
+const wchar_t* UnitName(MeasureSystem system) {
+    return system == MeasureSystem::kMetric ? L"mm" : L"in";
+}
 
 }  // namespace units

@@ -4,14 +4,14 @@
 
 #include <cstdint>
 
-inline constexpr const wchar_t* kKeyPageFormat = L"PageFormat";            // identifier in kPaperSizes
-inline constexpr const wchar_t* kKeyPagePortrait = L"RadioPageOrient";     // true: portrait
-inline constexpr const wchar_t* kKeyPageStandard = L"RadioPageType";       // true: a standard size
-inline constexpr const wchar_t* kKeyCustomWidth = L"CustomWidth";          // last custom size
+inline constexpr const wchar_t* kKeyPageFormat = L"PageFormat";         // identifier in kPaperSizes
+inline constexpr const wchar_t* kKeyPagePortrait = L"RadioPageOrient";  // true: portrait
+inline constexpr const wchar_t* kKeyPageStandard = L"RadioPageType";    // true: a standard size
+inline constexpr const wchar_t* kKeyCustomWidth = L"CustomWidth";       // last custom size
 inline constexpr const wchar_t* kKeyCustomHeight = L"CustomHeight";
-inline constexpr const wchar_t* kKeyRealWidth = L"RealWidth";              // the size in effect
+inline constexpr const wchar_t* kKeyRealWidth = L"RealWidth";  // the size in effect
 inline constexpr const wchar_t* kKeyRealHeight = L"RealHeight";
-inline constexpr const wchar_t* kKeyPageScanned = L"RadioPageSource";      // true: scanned documents, false: blank page
+inline constexpr const wchar_t* kKeyPageScanned = L"RadioPageSource";  // true: scanned documents, false: blank page
 
 inline constexpr int32_t kDefaultPageFormat = 4;  // A4
 inline constexpr bool kDefaultPagePortrait = true;

@@ -118,7 +118,9 @@ LRESULT CSAPaperSizeDlg::OnHelpInfo(WPARAM, LPARAM) {
 }
 
 // A refused size may have been stored in another unit, and its edit be disabled.
-void CSAPaperSizeDlg::OnDataRefused(UINT) { SelectPageType(false); }
+void CSAPaperSizeDlg::OnDataRefused(UINT) {
+    SelectPageType(false);
+}
 
 PaperChoice CSAPaperSizeDlg::GetChoice() const {
     PaperChoice choice;

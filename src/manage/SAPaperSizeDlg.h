@@ -6,8 +6,8 @@
 #include "store/ComSettingsNode.h"
 #include "win32/Dialog.h"
 
-// "Select Paper Size": a standard size or one of the user's own. OK writes the choice and the size that it comes to into
-// the settings node; everything else leaves the node alone.
+// "Select Paper Size": a standard size or one of the user's own. OK writes the choice and the size that it comes to
+// into the settings node; everything else leaves the node alone.
 class CSAPaperSizeDlg final : public CDialog {
 public:
     // Hands out the module's settings node, null when there is none; asked for each use.

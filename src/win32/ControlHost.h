@@ -24,8 +24,7 @@ bool EnableControlHosting() noexcept;
 HRESULT CreateControlIn(HWND host, REFCLSID classId) noexcept;
 
 // Makes a container's window with a control in it; null when either cannot be made.
-HWND CreateControl(REFCLSID classId, const wchar_t* text, DWORD style, const RECT& rect, HWND parent,
-                   UINT id) noexcept;
+HWND CreateControl(REFCLSID classId, const wchar_t* text, DWORD style, const RECT& rect, HWND parent, UINT id) noexcept;
 
 // The control in a container's window; null when there is none.
 ComPtr<IUnknown> GetControlUnknown(HWND host) noexcept;

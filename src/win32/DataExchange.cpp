@@ -21,7 +21,9 @@ std::wstring GetFieldName(HWND control) {
     return name;
 }
 
-std::wstring Shown(float value) { return win32::FormatGeneral(double{value}, FLT_DIG); }
+std::wstring Shown(float value) {
+    return win32::FormatGeneral(double{value}, FLT_DIG);
+}
 
 }  // namespace
 
@@ -43,8 +45,8 @@ void DDX_MinMaxFloat(CDataExchange& exchange, UINT id, float& value, float minim
     }
     const auto typed = static_cast<float>(win32::ParseNumber(GetTextOfWindow(control)).value_or(NAN));
     if (!(typed >= minimum && typed <= maximum)) {
-        throw DataRefused{id, win32::FormatText(IDS_NUMBER_REFUSED,
-                                                {GetFieldName(control), Shown(minimum), Shown(maximum)})};
+        throw DataRefused{
+            id, win32::FormatText(IDS_NUMBER_REFUSED, {GetFieldName(control), Shown(minimum), Shown(maximum)})};
     }
     value = typed;
 }

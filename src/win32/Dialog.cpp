@@ -113,8 +113,8 @@ bool CDialog::CreateHostedControls() {
         const auto forward = [this, id = control.id](DISPID event, const win32::EventArguments& arguments) {
             HandleEvent(id, event, arguments);
         };
-        m_connections.push_back(std::make_unique<win32::EventConnection>(win32::GetControlUnknown(host).GetInterfacePtr(),
-                                                                         *control.events, forward));
+        m_connections.push_back(std::make_unique<win32::EventConnection>(
+            win32::GetControlUnknown(host).GetInterfacePtr(), *control.events, forward));
     }
     return true;
 }
@@ -208,7 +208,9 @@ void CDialog::OnOK() {
     if (UpdateData(true)) EndDialog(IDOK);
 }
 
-void CDialog::OnCancel() { EndDialog(IDCANCEL); }
+void CDialog::OnCancel() {
+    EndDialog(IDCANCEL);
+}
 
 void CDialog::OnDataRefused(UINT) {}
 
@@ -227,4 +229,6 @@ bool CDialog::UpdateData(bool save) {
     }
 }
 
-void CDialog::OnHelp() { HostHelp(GetSafeHwnd(), kHelpBase + m_templateId, 0); }
+void CDialog::OnHelp() {
+    HostHelp(GetSafeHwnd(), kHelpBase + m_templateId, 0);
+}

@@ -22,8 +22,8 @@ public:
     explicit CDialog(UINT templateId, CWnd* parent = nullptr) : m_templateId(templateId), m_parent(parent) {}
     ~CDialog() override;
 
-    // IDOK or IDCANCEL; -1 when the dialog or a control of it could not be made. Without a parent the dialog open on this
-    // thread becomes the owner, or else the thread's active window.
+    // IDOK or IDCANCEL; -1 when the dialog or a control of it could not be made. Without a parent the dialog open on
+    // this thread becomes the owner, or else the thread's active window.
     INT_PTR DoModal();
 
 protected:

@@ -1,11 +1,21 @@
 #include "win32/EventSink.h"
 
+#include <algorithm>
 #include <atomic>
+#include <iterator>
 #include <new>
 #include <utility>
 
-
 namespace win32 {
+
+namespace {
+
+bool IsNumber(VARTYPE type) {
+    constexpr VARTYPE kNumbers[] = {VT_I1, VT_UI1, VT_I2, VT_UI2, VT_I4, VT_UI4, VT_I8, VT_UI8, VT_INT, VT_UINT};
+    return std::find(std::begin(kNumbers), std::end(kNumbers), type) != std::end(kNumbers);
+}
+
+}  // namespace
 
 void EventArguments::RequireCount(size_t count) const {
     if (m_parameters.cArgs != count) throw _com_error(DISP_E_BADPARAMCOUNT);
@@ -19,9 +29,8 @@ LONG EventArguments::Integer(size_t position) const {
     VariantInit(&value);
     HRESULT status = VariantCopyInd(&value, &argument);
     if (SUCCEEDED(status)) {
-        // Texts and objects are not lengths, even where Automation could convert them.
-        const bool number = V_VT(&value) != VT_BSTR && V_VT(&value) != VT_DISPATCH && V_VT(&value) != VT_UNKNOWN;
-        status = number ? VariantChangeType(&value, &value, 0, VT_I4) : DISP_E_TYPEMISMATCH;
+        // Texts, objects and missing arguments are no integers, even where Automation could convert them.
+        status = IsNumber(V_VT(&value)) ? VariantChangeType(&value, &value, 0, VT_I4) : DISP_E_TYPEMISMATCH;
     }
     const LONG result = SUCCEEDED(status) ? V_I4(&value) : 0;
     VariantClear(&value);

@@ -9,8 +9,8 @@
 namespace win32 {
 
 struct FailureReport {
-    HRESULT status;      // of a host call; E_OUTOFMEMORY, E_UNEXPECTED for the rest
-    std::wstring text;   // for the user: what happened and what to do
+    HRESULT status;     // of a host call; E_OUTOFMEMORY, E_UNEXPECTED for the rest
+    std::wstring text;  // for the user: what happened and what to do
 };
 
 // Traces the failure at severity 2 as "<name>: ...", in the words of its kind.

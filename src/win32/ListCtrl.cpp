@@ -8,9 +8,13 @@ constexpr size_t kFirstTextLength = 256;
 constexpr size_t kLongestText = size_t{1} << 20;
 
 // The list only reads the text of an item that is set, but takes it as writable.
-wchar_t* Writable(const std::wstring& text) { return const_cast<wchar_t*>(text.c_str()); }
+wchar_t* Writable(const std::wstring& text) {
+    return const_cast<wchar_t*>(text.c_str());
+}
 
-LPARAM Pointer(const void* record) { return reinterpret_cast<LPARAM>(record); }
+LPARAM Pointer(const void* record) {
+    return reinterpret_cast<LPARAM>(record);
+}
 
 }  // namespace
 

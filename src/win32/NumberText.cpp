@@ -52,8 +52,12 @@ std::optional<double> ParseNumber(std::wstring_view text) {
     return value;
 }
 
-std::wstring FormatFixed(double value, int decimals) { return Format(value, std::chars_format::fixed, decimals); }
+std::wstring FormatFixed(double value, int decimals) {
+    return Format(value, std::chars_format::fixed, decimals);
+}
 
-std::wstring FormatGeneral(double value, int digits) { return Format(value, std::chars_format::general, digits); }
+std::wstring FormatGeneral(double value, int digits) {
+    return Format(value, std::chars_format::general, digits);
+}
 
 }  // namespace win32

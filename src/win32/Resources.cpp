@@ -6,7 +6,6 @@ namespace {
 HINSTANCE g_module = nullptr;
 HINSTANCE g_resources = nullptr;
 
-
 bool HasString(HINSTANCE instance, UINT id) noexcept {
     const wchar_t* text = nullptr;
     return LoadStringW(instance, id, reinterpret_cast<LPWSTR>(&text), 0) > 0;
@@ -19,7 +18,9 @@ void SetInstances(HINSTANCE module, HINSTANCE resources) noexcept {
     g_resources = resources;
 }
 
-HINSTANCE ModuleInstance() noexcept { return g_module == nullptr ? GetModuleHandleW(nullptr) : g_module; }
+HINSTANCE ModuleInstance() noexcept {
+    return g_module == nullptr ? GetModuleHandleW(nullptr) : g_module;
+}
 
 HINSTANCE FindResourceInstance(const wchar_t* type, UINT id) noexcept {
     if (g_resources == nullptr) return ModuleInstance();
@@ -30,8 +31,7 @@ HINSTANCE FindResourceInstance(const wchar_t* type, UINT id) noexcept {
 
 std::wstring LoadText(UINT id) {
     const wchar_t* text = nullptr;
-    const int length =
-        LoadStringW(FindResourceInstance(RT_STRING, id), id, reinterpret_cast<LPWSTR>(&text), 0);
+    const int length = LoadStringW(FindResourceInstance(RT_STRING, id), id, reinterpret_cast<LPWSTR>(&text), 0);
     return length > 0 ? std::wstring(text, static_cast<size_t>(length)) : std::wstring();
 }
 

@@ -21,8 +21,8 @@ std::wstring LoadText(UINT id);
 // The same with %1, %2, ... replaced.
 std::wstring FormatText(UINT id, std::initializer_list<std::wstring> arguments);
 
-// While it lives, windows are created with the module's own manifest (resource 2 of the module: visual styles), whatever
-// the host program has. One around every dialog and every control made by the module.
+// While it lives, windows are created with the module's own manifest (resource 2 of the module: visual styles),
+// whatever the host program has. One around every dialog and every control made by the module.
 class ResourceScope {
 public:
     ResourceScope() noexcept;

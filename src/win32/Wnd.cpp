@@ -5,7 +5,9 @@
 
 #include "win32/Failure.h"
 
-CWnd::~CWnd() { Detach(); }
+CWnd::~CWnd() {
+    Detach();
+}
 
 HWND CWnd::Detach() {
     if (m_subclassed) RemoveWindowSubclass(m_hWnd, SubclassProc, reinterpret_cast<UINT_PTR>(this));
@@ -41,7 +43,9 @@ std::wstring GetTextOfWindow(HWND hWnd) {
     return text;
 }
 
-std::wstring CWnd::GetWindowText() const { return GetTextOfWindow(m_hWnd); }
+std::wstring CWnd::GetWindowText() const {
+    return GetTextOfWindow(m_hWnd);
+}
 
 RECT CWnd::GetClientRect() const {
     RECT rect = {};

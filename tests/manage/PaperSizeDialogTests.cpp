@@ -24,11 +24,21 @@ constexpr DWORD kHelpContext = 0x26C8C;
 const auto kOk = [](HWND dialog) { Push(dialog, IDOK); };
 const auto kCancel = [](HWND dialog) { Push(dialog, IDCANCEL); };
 
-bool Enabled(HWND dialog, UINT id) { return IsWindowEnabled(GetDlgItem(dialog, static_cast<int>(id))); }
-bool Checked(HWND dialog, UINT id) { return IsDlgButtonChecked(dialog, static_cast<int>(id)) == BST_CHECKED; }
-LRESULT Selected(HWND dialog) { return SendDlgItemMessageW(dialog, IDC_PAPER_FORMAT, CB_GETCURSEL, 0, 0); }
-void Select(HWND dialog, WPARAM item) { SendDlgItemMessageW(dialog, IDC_PAPER_FORMAT, CB_SETCURSEL, item, 0); }
-void SetText(HWND dialog, UINT id, const wchar_t* text) { SetDlgItemTextW(dialog, static_cast<int>(id), text); }
+bool Enabled(HWND dialog, UINT id) {
+    return IsWindowEnabled(GetDlgItem(dialog, static_cast<int>(id)));
+}
+bool Checked(HWND dialog, UINT id) {
+    return IsDlgButtonChecked(dialog, static_cast<int>(id)) == BST_CHECKED;
+}
+LRESULT Selected(HWND dialog) {
+    return SendDlgItemMessageW(dialog, IDC_PAPER_FORMAT, CB_GETCURSEL, 0, 0);
+}
+void Select(HWND dialog, WPARAM item) {
+    SendDlgItemMessageW(dialog, IDC_PAPER_FORMAT, CB_SETCURSEL, item, 0);
+}
+void SetText(HWND dialog, UINT id, const wchar_t* text) {
+    SetDlgItemTextW(dialog, static_cast<int>(id), text);
+}
 void ExpectTexts(HWND dialog, const wchar_t* width, const wchar_t* height, const wchar_t* unit) {
     EXPECT_EQ(TextOf(dialog, IDC_PAPER_WIDTH), width);
     EXPECT_EQ(TextOf(dialog, IDC_PAPER_HEIGHT), height);
@@ -55,19 +65,22 @@ protected:
         EXPECT_EQ(Host().liveObjects, 0);
     }
 
-    void UseSystem(LONG system) { m_units.Dll().Export<decltype(HostSetMeasureSystem)>("HostSetMeasureSystem")(system); }
+    void UseSystem(LONG system) {
+        m_units.Dll().Export<decltype(HostSetMeasureSystem)>("HostSetMeasureSystem")(system);
+    }
 
     INT_PTR Play(test::Steps steps) {
         INT_PTR result = 0;
-        test::PlayDialog(std::move(steps),
-                         [&] { result = CSAPaperSizeDlg([this] { return m_node; }).DoModal(); });
+        test::PlayDialog(std::move(steps), [&] { result = CSAPaperSizeDlg([this] { return m_node; }).DoModal(); });
         return result;
     }
 
     void ExpectStored(int64_t customWidth, int64_t customHeight, bool portrait, int64_t format, bool standard,
                       int64_t realWidth, int64_t realHeight) {
-        const std::map<std::wstring, int64_t> integers = {{L"CustomWidth", customWidth}, {L"CustomHeight", customHeight},
-                                                          {L"PageFormat", format},       {L"RealWidth", realWidth},
+        const std::map<std::wstring, int64_t> integers = {{L"CustomWidth", customWidth},
+                                                          {L"CustomHeight", customHeight},
+                                                          {L"PageFormat", format},
+                                                          {L"RealWidth", realWidth},
                                                           {L"RealHeight", realHeight}};
         const std::map<std::wstring, bool> booleans = {{L"RadioPageOrient", portrait}, {L"RadioPageType", standard}};
         EXPECT_EQ(m_tree->integers, integers);
@@ -193,13 +206,13 @@ TEST_F(PaperSizeDialog, CancelWritesNothing) {
 
 TEST_F(PaperSizeDialog, ARefusedSizeWritesNothingAndStaysOpen) {
     for (const wchar_t* text : {L"1500.01", L"-1", L"21 cm", L"210,5", L""}) {
-        EXPECT_EQ(Play({[&](HWND dialog) {
-                            Push(dialog, IDC_PAPER_CUSTOM);
-                            SetText(dialog, IDC_PAPER_HEIGHT, text);
-                        },
-                        kOk,
-                        [](HWND dialog) { EXPECT_EQ(GetFocus(), GetDlgItem(dialog, IDC_PAPER_HEIGHT)); }, kCancel}),
-                  IDCANCEL);
+        EXPECT_EQ(
+            Play({[&](HWND dialog) {
+                      Push(dialog, IDC_PAPER_CUSTOM);
+                      SetText(dialog, IDC_PAPER_HEIGHT, text);
+                  },
+                  kOk, [](HWND dialog) { EXPECT_EQ(GetFocus(), GetDlgItem(dialog, IDC_PAPER_HEIGHT)); }, kCancel}),
+            IDCANCEL);
         const auto boxes = test::TakeBoxes();
         ASSERT_EQ(boxes.size(), 1U) << testing::PrintToString(text);
         EXPECT_EQ(boxes[0].text.rfind(L"Height: please enter a number from 0 to 1500.", 0), 0U);
@@ -216,8 +229,7 @@ TEST_F(PaperSizeDialog, AStoredSizeThatIsRefusedCanBeCorrected) {
                         EXPECT_TRUE(Checked(dialog, IDC_PAPER_CUSTOM));
                         EXPECT_EQ(GetFocus(), GetDlgItem(dialog, IDC_PAPER_WIDTH));
                     },
-                    [](HWND) { test::TypeText(L"100"); },
-                    [](HWND dialog) { Push(dialog, IDC_PAPER_STANDARD); }, kOk}),
+                    [](HWND) { test::TypeText(L"100"); }, [](HWND dialog) { Push(dialog, IDC_PAPER_STANDARD); }, kOk}),
               IDOK);
     ExpectStored(1000, 2969, true, 4, true, 2100, 2970);
 }

@@ -27,13 +27,13 @@ TEST(PaperSizes, TheTableIsWholeAndPortrait) {
 TEST(PaperSizes, OfferedTextsInBothUnits) {
     const char* locale = std::setlocale(LC_ALL, "de_DE.UTF-8");
     if (locale == nullptr) std::setlocale(LC_ALL, "German_Germany");
-    const wchar_t* const metric[] = {L"A3  297 x 420  mm",     L"A4  210 x 297  mm",     L"A5  148 x 210  mm",
-                                     L"A6  105 x 148  mm",     L"B4  250 x 353  mm",     L"B5  176 x 250  mm",
-                                     L"Letter  216 x 279  mm", L"Legal  216 x 356  mm",  L"Statement  140 x 216  mm",
+    const wchar_t* const metric[] = {L"A3  297 x 420  mm",     L"A4  210 x 297  mm",    L"A5  148 x 210  mm",
+                                     L"A6  105 x 148  mm",     L"B4  250 x 353  mm",    L"B5  176 x 250  mm",
+                                     L"Letter  216 x 279  mm", L"Legal  216 x 356  mm", L"Statement  140 x 216  mm",
                                      L"B  279 x 432  mm"};
     const wchar_t* const inches[] = {
-        L"A3  11.69 x 16.54  in",    L"A4  8.27 x 11.69  in",   L"A5  5.83 x 8.27  in",       L"A6  4.13 x 5.83  in",
-        L"B4  9.84 x 13.90  in",     L"B5  6.93 x 9.84  in",    L"Letter  8.50 x 11.00  in",  L"Legal  8.50 x 14.00  in",
+        L"A3  11.69 x 16.54  in",      L"A4  8.27 x 11.69  in", L"A5  5.83 x 8.27  in",      L"A6  4.13 x 5.83  in",
+        L"B4  9.84 x 13.90  in",       L"B5  6.93 x 9.84  in",  L"Letter  8.50 x 11.00  in", L"Legal  8.50 x 14.00  in",
         L"Statement  5.50 x 8.50  in", L"B  11.00 x 17.00  in"};
     for (size_t i = 0; i < kOfferedPaperSizes.size(); ++i) {
         const PaperSizeEntry& entry = *GetPaperSize(kOfferedPaperSizes[i]);
@@ -49,9 +49,9 @@ TEST(PaperSizes, EffectiveSize) {
         int32_t iFormat;
         float width, height;
     } cases[] = {
-        {true, false, true, 4, 210.0F, 297.0F},   {true, true, true, 4, 297.0F, 210.0F},
-        {true, false, false, 4, 8.27F, 11.69F},   {true, true, false, 42, 8.5F, 5.5F},
-        {false, true, true, 4, 12.5F, 1500.0F},  // the orientation does not turn a custom size
+        {true, false, true, 4, 210.0F, 297.0F},  {true, true, true, 4, 297.0F, 210.0F},
+        {true, false, false, 4, 8.27F, 11.69F},  {true, true, false, 42, 8.5F, 5.5F},
+        {false, true, true, 4, 12.5F, 1500.0F},   // the orientation does not turn a custom size
         {true, false, true, 99, 12.5F, 1500.0F},  // nothing selected
     };
     for (const auto& one : cases) {

@@ -24,11 +24,11 @@ TEST(UnitRules, RoundsToNearestAndSaturates) {
         double value;
         int32_t length;
     } cases[] = {
-        {MeasureSystem::kMetric, 210.0, 2100},     {MeasureSystem::kInches, 8.27F, 2101},
-        {MeasureSystem::kInches, 11.69F, 2969},    {MeasureSystem::kMetric, 0.25, 3},
-        {MeasureSystem::kMetric, -0.25, -3},       {MeasureSystem::kMetric, 0.04, 0},
-        {MeasureSystem::kInches, 1.0, 254},        {MeasureSystem::kMetric, 1e300, kMax},
-        {MeasureSystem::kInches, -1e300, kMin},    {MeasureSystem::kMetric, kInfinity, kMax},
+        {MeasureSystem::kMetric, 210.0, 2100},      {MeasureSystem::kInches, 8.27F, 2101},
+        {MeasureSystem::kInches, 11.69F, 2969},     {MeasureSystem::kMetric, 0.25, 3},
+        {MeasureSystem::kMetric, -0.25, -3},        {MeasureSystem::kMetric, 0.04, 0},
+        {MeasureSystem::kInches, 1.0, 254},         {MeasureSystem::kMetric, 1e300, kMax},
+        {MeasureSystem::kInches, -1e300, kMin},     {MeasureSystem::kMetric, kInfinity, kMax},
         {MeasureSystem::kMetric, -kInfinity, kMin}, {MeasureSystem::kMetric, std::nan(""), 0},
     };
     for (const auto& one : cases) EXPECT_EQ(FromUser(one.value, one.system), one.length) << one.value;

@@ -76,12 +76,16 @@ void Send(std::vector<INPUT> inputs) {
 }  // namespace
 
 extern "C" {
-const wchar_t* HostApplicationName(void) { return L"Test"; }
+const wchar_t* HostApplicationName(void) {
+    return L"Test";
+}
 int HostMessageBox(HWND owner, const wchar_t* text, UINT style) {
     g_boxes.push_back({owner, text, style});
     return IDOK;
 }
-void HostHelp(HWND owner, DWORD context, DWORD_PTR) { g_help.push_back({owner, context}); }
+void HostHelp(HWND owner, DWORD context, DWORD_PTR) {
+    g_help.push_back({owner, context});
+}
 }
 
 namespace test {
@@ -137,9 +141,15 @@ std::wstring TextOf(HWND dialog, UINT id) {
     return text;
 }
 
-void Push(HWND dialog, UINT id) { SendDlgItemMessageW(dialog, static_cast<int>(id), BM_CLICK, 0, 0); }
+void Push(HWND dialog, UINT id) {
+    SendDlgItemMessageW(dialog, static_cast<int>(id), BM_CLICK, 0, 0);
+}
 
-std::vector<Box> TakeBoxes() { return std::exchange(g_boxes, {}); }
-std::vector<Help> TakeHelp() { return std::exchange(g_help, {}); }
+std::vector<Box> TakeBoxes() {
+    return std::exchange(g_boxes, {});
+}
+std::vector<Help> TakeHelp() {
+    return std::exchange(g_help, {});
+}
 
 }  // namespace test

@@ -115,8 +115,7 @@ TEST_F(DialogLayer, AFailingNotificationIsToldOncePerCause) {
     const auto moves = [](HWND window) {
         for (int i = 0; i < 50; ++i) SendMessageW(window, kMessageThatFails, 0, 0);
     };
-    test::PlayDialog({moves, moves, [&](HWND) { status = E_ACCESSDENIED; }, moves, kCancel},
-                     [&] { dialog.DoModal(); });
+    test::PlayDialog({moves, moves, [&](HWND) { status = E_ACCESSDENIED; }, moves, kCancel}, [&] { dialog.DoModal(); });
     EXPECT_EQ(test::TakeBoxes().size(), 2U);
     EXPECT_EQ(test::TakeTraces().size(), 2U);
 }

@@ -29,17 +29,19 @@ TEST_P(NumberText, ReadsWholeNumbersOnly) {
     const struct {
         const wchar_t* text;
         double value;
-    } good[] = {{L"0", 0},         {L"210.5", 210.5},       {L" 210.5\t", 210.5}, {L"-1", -1},  {L"+7", 7},
-                {L"1500.01", 1500.01}, {L".5", 0.5},        {L"5.", 5},           {L"1e3", 1000}, {L"1E-2", 0.01},
-                {L"1e400", inf},   {L"-1e400", -inf},       {L"1e-400", 0}};
+    } good[] = {{L"0", 0},      {L"210.5", 210.5},     {L" 210.5\t", 210.5}, {L"-1", -1},
+                {L"+7", 7},     {L"1500.01", 1500.01}, {L".5", 0.5},         {L"5.", 5},
+                {L"1e3", 1000}, {L"1E-2", 0.01},       {L"1e400", inf},      {L"-1e400", -inf},
+                {L"1e-400", 0}};
     for (const auto& one : good) {
         const auto value = ParseNumber(one.text);
         ASSERT_TRUE(value.has_value()) << testing::PrintToString(one.text);
         EXPECT_DOUBLE_EQ(*value, one.value) << testing::PrintToString(one.text);
     }
-    for (const wchar_t* text : {L"", L"   ", L"210,5", L"1.000,5", L"12a", L"a12", L"1 2", L"1.2.3", L"--1", L"+-1", L"+",
-                                L"-", L".", L"e3", L"1e", L"inf", L"-inf", L"nan", L"infinity", L"0x10", L"12 mm",
-                                L"1\n2", L"\u0661\u0662", L"\u0131", L"\uFF11"}) {
+    for (const wchar_t* text :
+         {L"",         L"   ",  L"210,5", L"1.000,5", L"12a",          L"a12",    L"1 2",   L"1.2.3", L"--1",
+          L"+-1",      L"+",    L"-",     L".",       L"e3",           L"1e",     L"inf",   L"-inf",  L"nan",
+          L"infinity", L"0x10", L"12 mm", L"1\n2",    L"\u0661\u0662", L"\u0131", L"\uFF11"}) {
         EXPECT_FALSE(ParseNumber(text).has_value()) << testing::PrintToString(text);
     }
     EXPECT_FALSE(ParseNumber(std::wstring_view(L"1\0002", 3)).has_value());
