@@ -2,10 +2,6 @@
 add_library(zonwick_options INTERFACE)
 
 set(warnings -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    # GCC 12 takes "text" + std::string for overlapping copies.
-    list(APPEND warnings -Wno-restrict)
-endif()
 if(DEFINED ENV{CI})
     list(APPEND warnings -Werror)
 endif()
