@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <unordered_map>
 
 #include "refhost/documents/PageFiles.h"
 #include "refhost/documents/Report.h"
@@ -77,11 +78,12 @@ void DocumentFiles::Recount(PageFile& file) const {
 }
 
 void DocumentFiles::List() {
+    std::unordered_map<std::wstring, PageFile> known;
+    for (const PageFile& file : m_files) known.emplace(file.path, file);
     std::vector<PageFile> files;
     for (const std::wstring& name : PageNamesIn(m_path)) {
         PageFile file = {m_path + L"\\" + name, {}, 1};
-        const auto known = std::ranges::find(m_files, file.path, &PageFile::path);
-        if (known != m_files.end()) file = *known;
+        if (const auto found = known.find(file.path); found != known.end()) file = found->second;
         Recount(file);
         files.push_back(std::move(file));
     }

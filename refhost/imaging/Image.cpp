@@ -68,8 +68,9 @@ std::vector<uint32_t> UsedPalette(const Bitmap& image, const uint8_t* rows) {
         const uint8_t* row = rows + y * image.Stride();
         for (uint32_t x = 0; x < image.Width(); ++x) used[row[x]] = true;
     }
+    const uint32_t paper = palette[image.PaperByte()];
     for (size_t i = 0; i < palette.size(); ++i) {
-        if (!used[i]) palette[i] = 0xFFFFFF;
+        if (!used[i]) palette[i] = paper;
     }
     return palette;
 }

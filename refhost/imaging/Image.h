@@ -43,7 +43,7 @@ private:
 // Reads a BMP file of the forms that WriteBmp makes: 1, 8, 24 or 32 bits, not compressed, bottom-up. Throws ImageError.
 std::shared_ptr<const Bitmap> ReadBmp(std::span<const uint8_t> bytes);
 
-// Entries of a colour palette that no pixel of `rows` uses become paper white: what was masked leaves no colour behind.
+// Entries of a colour palette that no pixel of `rows` uses become the paper's: what was masked leaves no colour behind.
 std::vector<uint32_t> UsedPalette(const Bitmap& image, const uint8_t* rows);
 
 }  // namespace imaging
