@@ -91,7 +91,8 @@ INT_PTR CDialog::Initialise(HWND hWnd) noexcept {
     bool focus = true;
     try {
         OpenDialogs().push_back(hWnd);
-        m_controlMissing = !CreateHostedControls();
+        m_controlMissing = !std::ranges::all_of(
+            GetHostedControls(), [this](const win32::HostedControl& control) { return CreateHostedControl(control); });
         if (!m_controlMissing) focus = OnInitDialog();
     } catch (...) {
         if (m_failure == nullptr) m_failure = std::current_exception();
@@ -101,21 +102,20 @@ INT_PTR CDialog::Initialise(HWND hWnd) noexcept {
     return focus;
 }
 
-bool CDialog::CreateHostedControls() {
-    for (const win32::HostedControl& control : GetHostedControls()) {
-        const HWND host = GetDlgItem(control.id);
-        const HRESULT status = win32::CreateControlIn(host, *control.classId);
-        if (FAILED(status)) {
-            win32::TraceFailure(std::make_exception_ptr(_com_error(status)), GetTraceSource(), __LINE__, GetName());
-            return false;
-        }
-        if (control.events == nullptr) continue;
-        const auto forward = [this, id = control.id](DISPID event, const win32::EventArguments& arguments) {
-            HandleEvent(id, event, arguments);
-        };
-        m_connections.push_back(std::make_unique<win32::EventConnection>(
-            win32::GetControlUnknown(host).GetInterfacePtr(), *control.events, forward));
+bool CDialog::CreateHostedControl(const win32::HostedControl& control) {
+    const HWND host = GetDlgItem(control.id);
+    const HRESULT status = win32::CreateControlIn(host, *control.classId);
+    if (FAILED(status)) {
+        win32::TraceFailure(std::make_exception_ptr(_com_error(status)), GetTraceSource(), __LINE__, GetName());
+        return false;
     }
+    if (control.events == nullptr) return true;
+    const win32::ComPtr<IUnknown> source = win32::GetControlUnknown(host);
+    m_connections.push_back(std::make_unique<win32::EventConnection>(
+        source.GetInterfacePtr(), *control.events,
+        [this, id = control.id](DISPID event, const win32::EventArguments& arguments) {
+            HandleEvent(id, event, arguments);
+        }));
     return true;
 }
 

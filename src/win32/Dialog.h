@@ -53,7 +53,7 @@ private:
     static INT_PTR CALLBACK DialogProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
     HWND FindOwner() const;
     INT_PTR Initialise(HWND hWnd) noexcept;
-    bool CreateHostedControls();
+    bool CreateHostedControl(const win32::HostedControl& control);
     INT_PTR Dispatch(UINT message, WPARAM wParam, LPARAM lParam) noexcept;
     bool Route(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result, const void*& handler);
     void HandleEvent(UINT control, DISPID event, const win32::EventArguments& arguments);

@@ -39,7 +39,7 @@ public:
 
     // Controls of a dialog.
     HWND GetDlgItem(UINT id) const { return ::GetDlgItem(m_hWnd, static_cast<int>(id)); }
-    void EnableDlgItem(UINT id, bool enable) { ::EnableWindow(GetDlgItem(id), enable); }
+    void EnableDlgItem(UINT id, bool enable) const { ::EnableWindow(GetDlgItem(id), enable); }
     void SetDlgItemText(UINT id, const std::wstring& text) { ::SetWindowTextW(GetDlgItem(id), text.c_str()); }
     bool IsDlgButtonChecked(UINT id) const;
     void CheckDlgButton(UINT id, bool check);
