@@ -9,7 +9,6 @@ namespace test {
 namespace {
 
 constexpr UINT kEndedAtStep = 9;
-constexpr wchar_t kJobVariable[] = L"STORE_TEST_JOB";
 constexpr wchar_t kFileVariable[] = L"STORE_TEST_FILE";
 const std::string kOld = "{\n  \"n\": 1,\n  \"kept\": [1.0, null]\n}\n";
 const std::string kNew = "{\n  \"n\": 2\n}\n";

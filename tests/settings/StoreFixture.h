@@ -17,6 +17,9 @@
 
 namespace test {
 
+// Names what a process started by the tests is to do.
+inline constexpr wchar_t kJobVariable[] = L"STORE_TEST_JOB";
+
 using NodePtr = _com_ptr_t<_com_IIID<ISettingsNode, &__uuidof(ISettingsNode)>>;
 using TransferPtr = _com_ptr_t<_com_IIID<ISettingsTransfer, &__uuidof(ISettingsTransfer)>>;
 using ListPtr = _com_ptr_t<_com_IIID<IHostSettingsList, &__uuidof(IHostSettingsList)>>;
@@ -79,6 +82,8 @@ protected:
         CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
         m_classes = std::make_unique<com::ClassRegistration>(
             L"HostSettings.dll", std::initializer_list<CLSID>{host::kClsidSettingsNode, host::kClsidSettingsTransfer});
+        // A process that works on another one's file has no folder of its own to leave behind when it is ended.
+        if (GetEnvironmentVariableW(kJobVariable, nullptr, 0) != 0) return;
         std::filesystem::remove_all(m_folder);
         std::filesystem::create_directories(m_folder);
     }
