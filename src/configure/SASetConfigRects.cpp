@@ -1,0 +1,176 @@
+// "Configure Area Set": the rectangles of the page and their rows in the list, which follow each other.
+#include "configure/ConfigSupport.h"
+#include "configure/SASetConfigDlg.h"
+#include "host/Controls.h"
+#include "resource.h"
+#include "win32/Resources.h"
+
+namespace {
+
+using rectlist::Column;
+using win32::CallHost;
+
+constexpr UINT kSelected = LVIS_SELECTED | LVIS_FOCUSED;
+
+}  // namespace
+
+int CSASetConfigDlg::FindRow(LONG id) const {
+    // The newest rectangle is asked for most often, while a set is loaded.
+    for (int row = m_list.GetItemCount() - 1; row >= 0; --row) {
+        if (static_cast<LONG>(m_list.GetItemData(row)) == id) return row;
+    }
+    return -1;
+}
+
+std::vector<std::wstring> CSASetConfigDlg::GetRowFields() const {
+    std::vector<std::wstring> fields;
+    if (!IsIndexing()) return fields;
+    for (int row = 0; row < m_list.GetItemCount(); ++row) {
+        fields.push_back(m_list.GetItemText(row, rectlist::kIndexingField));
+    }
+    return fields;
+}
+
+void CSASetConfigDlg::UpdateRectRow(int row, const PageRect& rect) {
+    const rectlist::RowTexts texts = rectlist::GetRowTexts(rect, ListUnits());
+    for (int column = 0; column < rectlist::kLengthColumns; ++column) {
+        m_list.SetItemText(row, column, texts[static_cast<size_t>(column)]);
+    }
+}
+
+void CSASetConfigDlg::OnRectAdded(LONG id) {
+    if (m_bProcessCtrlEvents) {
+        FoliumRect rect = {};
+        if (FAILED(m_pFolium->QueryRect(id, &rect))) return;
+        const ScopedFlag updating(m_bUpdatingList, true, false);
+        const std::wstring field = IsIndexing() ? m_removedFields.TakeBack(static_cast<uint32_t>(id), GetRowFields())
+                                                : std::wstring();
+        const int row = m_list.InsertItem(m_list.GetItemCount(), {});
+        LVITEMW item = {};
+        item.mask = LVIF_PARAM;
+        item.iItem = row;
+        item.lParam = id;
+        m_list.SetItem(item);
+        UpdateRectRow(row, FromFolium(rect));
+        if (!field.empty()) m_list.SetItemText(row, rectlist::kIndexingField, field);
+    }
+    EnableDlgItem(IDC_CONFIG_REMOVE, true);
+}
+
+void CSASetConfigDlg::OnRectDeleted(LONG id) {
+    if (!m_bProcessCtrlEvents) return;
+    const int row = FindRow(id);
+    if (row < 0) return;
+    if (IsIndexing()) {
+        m_removedFields.Remember(static_cast<uint32_t>(id), m_list.GetItemText(row, rectlist::kIndexingField));
+    }
+    m_list.DeleteItem(row);
+    if (m_list.GetItemCount() == 0) EnableDlgItem(IDC_CONFIG_REMOVE, false);
+}
+
+void CSASetConfigDlg::OnRectChanged(LONG id) {
+    if (!m_bProcessCtrlEvents) return;
+    const int row = FindRow(id);
+    FoliumRect rect = {};
+    if (row < 0 || FAILED(m_pFolium->QueryRect(id, &rect))) return;
+    UpdateRectRow(row, FromFolium(rect));
+}
+
+void CSASetConfigDlg::OnRectSelected(LONG id) {
+    if (!m_bProcessCtrlEvents) return;
+    const int row = FindRow(id);
+    if (row < 0) return;
+    const ScopedFlag updating(m_bUpdatingList, true, false);
+    m_list.EnsureVisible(row);
+    m_list.SetItemState(row, kSelected, kSelected);
+}
+
+void CSASetConfigDlg::OnAdd() {
+    const SIZE size = m_pPage != nullptr ? GetPageSize() : SIZE{};
+    const PageRect rect = rectlist::GetMiddleHalf(size.cx, size.cy);
+    const FoliumRect bounds = ToFolium(rect);
+    LONG id = 0;
+    {
+        const ScopedFlag own(m_bProcessCtrlEvents, false, true);
+        CallHost(m_pFolium.GetInterfacePtr(), &IFolium::InsertRect, &bounds, &id);
+        m_pFolium->UpdateRect(id, &bounds);
+    }
+    {
+        const ScopedFlag updating(m_bUpdatingList, true, false);
+        std::wstring text;
+        LVITEMW item = {};
+        item.mask = LVIF_TEXT | LVIF_PARAM | LVIF_STATE;
+        item.iItem = m_list.GetItemCount();
+        item.pszText = text.data();
+        item.lParam = id;
+        item.state = item.stateMask = kSelected;
+        const int row = m_list.InsertItem(item);
+        UpdateRectRow(row, rect);
+        m_list.EnsureVisible(row);
+    }
+    EnableDlgItem(IDC_CONFIG_REMOVE, true);
+}
+
+void CSASetConfigDlg::OnRemove() {
+    const int row = m_list.GetNextItem(-1, LVNI_SELECTED);
+    if (row < 0) return;
+    m_bProcessCtrlEvents = true;
+    CallHost(m_pFolium.GetInterfacePtr(), &IFolium::DeleteRect, static_cast<LONG>(m_list.GetItemData(row)));
+}
+
+LRESULT CSASetConfigDlg::OnListItemChanged(NMHDR* header) {
+    const auto& change = *reinterpret_cast<const NMLISTVIEW*>(header);
+    if (m_bUpdatingList || (change.uChanged & LVIF_STATE) == 0 || (change.uNewState & LVIS_SELECTED) == 0) return 0;
+    const ScopedFlag updating(m_bUpdatingList, true, false);
+    const ScopedFlag own(m_bProcessCtrlEvents, false, true);
+    m_pFolium->SelectRect(static_cast<LONG>(m_list.GetItemData(change.iItem)));
+    return 0;
+}
+
+LRESULT CSASetConfigDlg::OnListKeyDown(NMHDR* header) {
+    const WORD key = reinterpret_cast<const NMLVKEYDOWN*>(header)->wVKey;
+    if (key == VK_DELETE) OnRemove();
+    if (key == VK_INSERT) OnAdd();
+    return 0;
+}
+
+LRESULT CSASetConfigDlg::OnItemsMoved(NMHDR* header) {
+    const auto& record = *reinterpret_cast<const listtable::MoveRecord*>(header);
+    m_list.MoveItems(record.target, record.count, record.rows);
+    return 0;
+}
+
+LRESULT CSASetConfigDlg::OnCellEdited(NMHDR* header) {
+    const auto& edit = *reinterpret_cast<const NMLISTVIEW*>(header);
+    if (edit.iSubItem == rectlist::kIndexingField) {
+        OnFieldEdited(edit.iItem);
+    } else if (edit.iSubItem >= 0 && edit.iSubItem < rectlist::kLengthColumns) {
+        OnLengthEdited(edit.iItem, static_cast<Column>(edit.iSubItem));
+    }
+    return 0;
+}
+
+void CSASetConfigDlg::OnFieldEdited(int row) {
+    for (const int other : rectlist::GetRowsLosingField(GetRowFields(), row)) {
+        m_list.SetItemText(other, rectlist::kIndexingField, {});
+    }
+}
+
+void CSASetConfigDlg::OnLengthEdited(int row, Column column) {
+    const ListUnits units;
+    rectlist::RowTexts texts;
+    for (int i = 0; i < rectlist::kLengthColumns; ++i) texts[static_cast<size_t>(i)] = m_list.GetItemText(row, i);
+    const auto id = static_cast<LONG>(m_list.GetItemData(row));
+    FoliumRect current = {};
+    std::optional<PageRect> shown;
+    if (SUCCEEDED(m_pFolium->QueryRect(id, &current))) shown = FromFolium(current);
+
+    const auto edit = rectlist::ApplyCellEdit(texts, column, shown, units);
+    if (!edit) {
+        HostMessageBox(GetSafeHwnd(), win32::LoadText(IDS_WRONG_NUMBER).c_str(), MB_ICONERROR);
+        return;
+    }
+    m_list.SetItemText(row, column, edit->text);
+    const FoliumRect bounds = ToFolium(edit->rect);
+    m_pFolium->UpdateRect(id, &bounds);
+}
