@@ -29,8 +29,9 @@ constexpr std::wstring_view kEndings[] = {L"tif", L"tiff", L"png", L"jpg", L"jpe
 
 // Takes a run of digits off the front, without its leading zeros.
 std::wstring_view TakeNumber(std::wstring_view& text) {
-    const auto end = std::ranges::find_if_not(text, IsDigit);
-    std::wstring_view digits(text.begin(), end);
+    const auto isNoDigit = [](wchar_t c) { return !IsDigit(c); };
+    const auto length = std::ranges::find_if(text, isNoDigit) - text.begin();
+    std::wstring_view digits = text.substr(0, static_cast<size_t>(length));
     text.remove_prefix(digits.size());
     digits.remove_prefix(std::min(digits.find_first_not_of(L'0'), digits.size()));
     return digits;

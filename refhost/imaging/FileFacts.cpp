@@ -106,7 +106,7 @@ void ReadBmpFacts(Bytes file, FileFacts& facts) {
     const auto height = static_cast<int64_t>(static_cast<int32_t>(Get32(file, 22, false)));
     const uint64_t stride = (width * Get16(file, 28, false) + 31) / 32 * 4;
     const uint32_t compression = Get32(file, 30, false);
-    const uint64_t rows = static_cast<uint64_t>(height < 0 ? -height : height);
+    const auto rows = static_cast<uint64_t>(height < 0 ? -height : height);
     if (compression == 0 && width <= 65535 && stride * rows + Get32(file, 10, false) > file.size()) {
         facts.truncated = true;
     }

@@ -10,7 +10,7 @@ namespace {
 
 // The bits of a byte from `begin` to `end` (excluded), the leftmost pixel in the highest bit.
 uint8_t BitsBetween(size_t begin, size_t end) {
-    return static_cast<uint8_t>((0xFFu >> begin) & ~(0xFFu >> end));
+    return static_cast<uint8_t>((0xFFU >> begin) & ~(0xFFU >> end));
 }
 
 uint8_t Merged(uint8_t to, uint8_t from, uint8_t bits) {

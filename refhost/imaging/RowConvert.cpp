@@ -10,7 +10,7 @@ namespace {
 template <int Bits, int Factor>
 void Unpack(const uint8_t* from, uint8_t* to, uint32_t width) {
     constexpr uint32_t kPerByte = 8 / Bits;
-    constexpr uint32_t kMask = (1u << Bits) - 1;
+    constexpr uint32_t kMask = (1U << Bits) - 1;
     for (uint32_t x = 0; x < width; ++x) {
         const uint32_t shift = 8 - Bits * (x % kPerByte + 1);
         to[x] = static_cast<uint8_t>(((from[x / kPerByte] >> shift) & kMask) * Factor);
