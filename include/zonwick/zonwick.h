@@ -29,6 +29,7 @@ extern "C" {
 #endif
 
 struct IUnknown;
+struct IConfigHost; /* the host's configuration object, see src/host/ConfigObjects.h */
 
 /* Flag of an area set: its areas are the parts of the page to leave out. Clear: they are the parts to keep. */
 #define SA_AREAS_IGNORED 0x10000000u
@@ -63,6 +64,21 @@ typedef struct SAIndexField {
  * uninitialised. When the node cannot be read, that is traced and the next query fails.
  */
 void WINAPI SAInit(struct IUnknown* pHost);
+
+/*
+ * SAConfigureSet (ordinal 2) - opens "Configure Area Set" for a stored set, modally over hParent.
+ *
+ * hParent  a window of the calling thread.
+ * dwID     the set.
+ *
+ * Pages come from the document stack of an earlier ConfigurePage or SAConfigure; without one the result is 0 and nothing
+ * is traced. OK changes the set in memory and in the module's working copy of the settings; the host's own node changes
+ * when "Manage Area Sets" is closed with OK.
+ *
+ * Returns 1 when the dialog ran, whether it was accepted or cancelled. On failure (no such set, no window, the sets
+ * cannot be loaded, the dialog cannot be opened) 0, and a message box told the user.
+ */
+BOOL WINAPI SAConfigureSet(HWND hParent, DWORD dwID);
 
 /*
  * SAGetAreaInfo (ordinal 3) - fills *pInfo for the set with identifier dwID.
@@ -103,6 +119,24 @@ BOOL WINAPI SAMapIndex2ID(int iIndex, DWORD* pID);
  * They start as white, white and black.
  */
 void WINAPI SAChangeColors(COLORREF first, COLORREF second, COLORREF third);
+
+/*
+ * ConfigurePage (ordinal 10) - opens "Configure Area Set" for the host's indexing fields, modally over hParent.
+ *
+ * hParent         a window of the calling thread.
+ * name            shown in the dialog's title; null counts as empty.
+ * fields, count   the fields; those with coordinates are shown as areas. After OK every one has the rectangle that now
+ *                 carries its name, all 0 when none does; fields of the same name get the same rectangle. Unchanged
+ *                 otherwise. Null only with a count below 1.
+ * host            bracketed by IConfigScope::Begin and End; its document stack is the one that the dialogs show from now
+ *                 on.
+ * document, page  where page display starts; negative values count as 0.
+ *
+ * Returns 1 when the dialog ran, whether it was accepted or cancelled, and 0 on failure; a message box told the user,
+ * but for a null or failing host object and for null fields. No stored set changes.
+ */
+BOOL WINAPI ConfigurePage(HWND hParent, LPCWSTR name, SAIndexField* fields, int count, struct IConfigHost* host,
+                          int document, int page);
 
 /*
  * CreateAreaSetImage (ordinal 11) - masks a page image by the area set of a name.

@@ -8,6 +8,7 @@
 #include "host/Imaging.h"
 #include "module/ExportGuard.h"
 #include "module/ZonwickApp.h"
+#include "trace/Trace.h"
 #include "zonwick/zonwick.h"
 
 namespace {

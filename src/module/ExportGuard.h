@@ -1,17 +1,11 @@
 #pragma once
 // Keeps exceptions inside: every export runs its body through Contain.
 
-#include <comdef.h>
-
 #include <exception>
-#include <new>
 
-#include "trace/Trace.h"
+#include "win32/Failure.h"
 
 namespace module {
-
-// Traces what is being handled, at severity 2: "<name>: ..." in the words of its kind.
-void TraceCurrentException(const char* source, int line, const wchar_t* name) noexcept;
 
 // The body's result, or `failure` when it throws; then the exception was traced.
 template <class Result, class Body>
@@ -19,7 +13,7 @@ Result Contain(const char* source, int line, const wchar_t* name, Result failure
     try {
         return body();
     } catch (...) {
-        TraceCurrentException(source, line, name);
+        win32::TraceFailure(std::current_exception(), source, line, name);
         return failure;
     }
 }

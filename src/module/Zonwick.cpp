@@ -4,6 +4,7 @@
 #include "module/ExportGuard.h"
 #include "module/ZonwickApp.h"
 #include "resource.h"
+#include "trace/Trace.h"
 #include "zonwick/zonwick.h"
 
 static_assert(SA_AREAS_IGNORED == kAreasIgnored);
@@ -42,6 +43,10 @@ BOOL FillInfo(const CAreaSet& set, SAAreaInfo& info) {
 }
 
 void Init(IUnknown* pHost) {
+    if (GetApp().IsDialogOpen()) {
+        trace::TraceText(trace::kDiagnostic, kSource, __LINE__, L"SAInit: a dialog is open, nothing was changed.");
+        return;
+    }
     ISettingsNodePtr node;
     if (pHost != nullptr) {
         const HRESULT status = pHost->QueryInterface(__uuidof(ISettingsNode), reinterpret_cast<void**>(&node));

@@ -4,6 +4,7 @@
 #include "host/Language.h"
 #include "host/Support.h"
 #include "module/TraceHost.h"
+#include "win32/Resources.h"
 
 namespace {
 
@@ -37,8 +38,9 @@ CZonwickApp::~CZonwickApp() {
 
 void CZonwickApp::InitInstance(HINSTANCE instance) {
     trace::SetTraceInstance(instance);
-    m_resources = CLang::GetResourceHandle(instance);
-    CLogBase::InitImpl(L"", instance, m_resources);
+    const HINSTANCE resources = CLang::GetResourceHandle(instance);
+    CLogBase::InitImpl(L"", instance, resources);
+    win32::SetInstances(instance, resources);
     if (const wchar_t* name = HostApplicationName()) m_applicationName = name;
 }
 

@@ -58,8 +58,11 @@ public:
     // (the flags may have been set then). Throws _com_error for a missing stack, a failing host call, a bad byte array.
     bool GetPage(int32_t& document, int32_t& page, IPageImagePtr& image, uint32_t& flags);
 
-    // Where dialogs, menus and strings come from.
-    HINSTANCE GetResourceInstance() const { return m_resources; }
+    // Exports that have a dialog open.
+    void DialogOpened() { ++m_openDialogs; }
+    void DialogClosed() { --m_openDialogs; }
+    bool IsDialogOpen() const { return m_openDialogs > 0; }
+
     const std::wstring& GetApplicationName() const { return m_applicationName; }
 
 private:
@@ -73,7 +76,7 @@ private:
     int32_t m_nDefaultDoc = 0;
     int32_t m_nDefaultPage = 0;
 
-    HINSTANCE m_resources = nullptr;
+    int m_openDialogs = 0;
     std::wstring m_applicationName;
 };
 
