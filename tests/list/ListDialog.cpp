@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "refhost/controls/list/ListTable.h"
 #include "support/TraceRecorder.h"
 
 namespace test {
@@ -11,11 +10,21 @@ namespace {
 constexpr int kTemplate = 100;
 constexpr int kColumns = 4;
 
-class ClassEnvironment final : public testing::Environment {
-    void SetUp() override { ASSERT_TRUE(listtable::RegisterListTable(GetModuleHandleW(nullptr))); }
-    void TearDown() override { listtable::UnregisterListTable(GetModuleHandleW(nullptr)); }
+// The library brings the window class with it and takes it along.
+class LibraryEnvironment final : public testing::Environment {
+    void SetUp() override {
+        m_library = LoadLibraryW(L"HostControls.dll");
+        ASSERT_NE(m_library, nullptr);
+    }
+    void TearDown() override {
+        FreeLibrary(m_library);
+        WNDCLASSEXW left = {};
+        left.cbSize = sizeof(left);
+        EXPECT_FALSE(GetClassInfoExW(nullptr, listtable::kClassName, &left));
+    }
+    HMODULE m_library = nullptr;
 };
-testing::Environment* const g_class = testing::AddGlobalTestEnvironment(new ClassEnvironment);
+testing::Environment* const g_class = testing::AddGlobalTestEnvironment(new LibraryEnvironment);
 
 void Mouse(DWORD flags) {
     INPUT input = {};

@@ -119,7 +119,7 @@ void Table::SetDropTarget(int target) {
     for (const int changed : {std::exchange(m_dropTarget, target), target}) {
         if (changed < 0) continue;
         const RECT mark = GetMarkRect(changed);
-        InvalidateRect(m_window, &mark, FALSE);
+        InvalidateRect(m_window, &mark, TRUE);
     }
     UpdateWindow(m_window);
 }

@@ -62,7 +62,10 @@ void Table::DrawRow(const DRAWITEMSTRUCT& item) const {
     const bool focused = focus != nullptr && (focus == m_window || IsChild(m_window, focus));
     const RowColours colours = GetColours(IsWindowEnabled(m_window) != FALSE, IsSelected(row), focused);
     const int saved = SaveDC(item.hDC);
-    FillRect(item.hDC, &item.rcItem, GetSysColorBrush(colours.background));
+    // The list view leaves out the margin before the first column.
+    RECT whole = GetRowRect(row);
+    UnionRect(&whole, &whole, &item.rcItem);
+    FillRect(item.hDC, &whole, GetSysColorBrush(colours.background));
     SetBkMode(item.hDC, TRANSPARENT);
     SetTextColor(item.hDC, GetSysColor(colours.text));
 

@@ -1,0 +1,14 @@
+// The library's window class is there as long as the library is.
+#include <windows.h>
+
+#include "refhost/controls/list/ListTable.h"
+
+BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*) {
+    if (reason == DLL_PROCESS_ATTACH) {
+        DisableThreadLibraryCalls(instance);
+        // A dialog that lacks the class reports that a control could not be made; box and help work without it.
+        listtable::RegisterListTable(instance);
+    }
+    if (reason == DLL_PROCESS_DETACH) listtable::UnregisterListTable(instance);
+    return TRUE;
+}
