@@ -10,21 +10,12 @@ constexpr float kSmallestSize = 0.0F;
 constexpr float kLargestSize = 1500.0F;
 constexpr int kPositionOfA4 = 1;
 
-// A value that cannot be read counts as its default.
 int32_t ReadInteger(ComSettingsNode& node, const wchar_t* key, int32_t fallback) {
-    try {
-        return static_cast<int32_t>(node.GetInt64(key));
-    } catch (const _com_error&) {
-        return fallback;
-    }
+    return win32::ReadOr(fallback, [&] { return node.GetInt64(key); });
 }
 
 bool ReadBool(ComSettingsNode& node, const wchar_t* key, bool fallback) {
-    try {
-        return node.GetBool(key);
-    } catch (const _com_error&) {
-        return fallback;
-    }
+    return win32::ReadOr(fallback, [&] { return node.GetBool(key); });
 }
 
 }  // namespace

@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <atomic>
 #include <iterator>
-#include <new>
 #include <utility>
+
+#include "win32/Failure.h"
 
 namespace win32 {
 
@@ -76,12 +77,8 @@ public:
             const EventHandler handler = m_handler;
             if (handler) handler(event, EventArguments(parameters == nullptr ? none : *parameters));
             return S_OK;
-        } catch (const _com_error& error) {
-            return error.Error();
-        } catch (const std::bad_alloc&) {
-            return E_OUTOFMEMORY;
         } catch (...) {
-            return E_UNEXPECTED;
+            return StatusOf(std::current_exception());
         }
     }
 

@@ -12,6 +12,14 @@
 namespace win32 {
 namespace {
 
+std::wstring Hexadecimal(HRESULT status) {
+    wchar_t text[16];
+    std::swprintf(text, std::size(text), L"0x%08lx", static_cast<unsigned long>(status));
+    return text;
+}
+
+}  // namespace
+
 HRESULT StatusOf(const std::exception_ptr& failure) noexcept {
     try {
         std::rethrow_exception(failure);
@@ -23,14 +31,6 @@ HRESULT StatusOf(const std::exception_ptr& failure) noexcept {
         return E_UNEXPECTED;
     }
 }
-
-std::wstring Hexadecimal(HRESULT status) {
-    wchar_t text[16];
-    std::swprintf(text, std::size(text), L"0x%08lx", static_cast<unsigned long>(status));
-    return text;
-}
-
-}  // namespace
 
 void TraceFailure(const std::exception_ptr& failure, const char* source, int line, const wchar_t* name) noexcept {
     try {

@@ -8,8 +8,11 @@
 
 namespace win32 {
 
+// The status of a host call; E_OUTOFMEMORY, E_UNEXPECTED for the rest.
+HRESULT StatusOf(const std::exception_ptr& failure) noexcept;
+
 struct FailureReport {
-    HRESULT status;     // of a host call; E_OUTOFMEMORY, E_UNEXPECTED for the rest
+    HRESULT status;
     std::wstring text;  // for the user: what happened and what to do
 };
 

@@ -23,6 +23,16 @@ void CallHost(Interface* object, HRESULT (STDMETHODCALLTYPE Interface::*operatio
     CheckHost((object->*operation)(std::forward<Arguments>(arguments)...), __uuidof(Interface));
 }
 
+// For a value that has a default: the fallback when the host cannot give it.
+template <class Value, class Read>
+Value ReadOr(Value fallback, Read read) {
+    try {
+        return static_cast<Value>(read());
+    } catch (const _com_error&) {
+        return fallback;
+    }
+}
+
 // Creates an object of a host class and asks it for an interface, the way the host's out-of-process classes need it:
 // create as IUnknown, OleRun, query. Any failure is handed back; *object is null then.
 HRESULT CreateRunningObject(REFCLSID classId, REFIID iid, void** object) noexcept;
