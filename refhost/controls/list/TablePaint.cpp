@@ -62,10 +62,7 @@ void Table::DrawRow(const DRAWITEMSTRUCT& item) const {
     const bool focused = focus != nullptr && (focus == m_window || IsChild(m_window, focus));
     const RowColours colours = GetColours(IsWindowEnabled(m_window) != FALSE, IsSelected(row), focused);
     const int saved = SaveDC(item.hDC);
-    // The list view leaves out the margin before the first column.
-    RECT whole = GetRowRect(row);
-    UnionRect(&whole, &whole, &item.rcItem);
-    FillRect(item.hDC, &whole, GetSysColorBrush(colours.background));
+    FillRect(item.hDC, &item.rcItem, GetSysColorBrush(colours.background));
     SetBkMode(item.hDC, TRANSPARENT);
     SetTextColor(item.hDC, GetSysColor(colours.text));
 
@@ -86,7 +83,9 @@ void Table::DrawRow(const DRAWITEMSTRUCT& item) const {
                   DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS | GetAlignment(format.fmt));
     }
     if (focused && row == GetCurrentRow() && m_currentColumn < GetColumnCount()) {
-        const RECT cell = GetCellRect(row, m_currentColumn);
+        // Only inside the item: what lies beyond it is not repainted with it.
+        RECT cell = GetCellRect(row, m_currentColumn);
+        IntersectRect(&cell, &cell, &item.rcItem);
         // The frame is drawn by inverting; black on white makes it show on every background.
         SetBkColor(item.hDC, RGB(255, 255, 255));
         SetTextColor(item.hDC, RGB(0, 0, 0));

@@ -101,6 +101,7 @@ private:
     void MoveCurrentColumn(int step);
     void ShowColumn(int column) const;
     void OnEditorKey(WPARAM key, bool shift);
+    bool OnKeyDown(WPARAM key);
     void OnButtonDown(POINT point);
     void OnClick();
 
