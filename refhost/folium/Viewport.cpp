@@ -23,10 +23,14 @@ void Viewport::SetPage(Size page) {
 }
 
 void Viewport::SetWindow(int width, int height, int verticalBar, int horizontalBar) {
+    width = std::clamp(width, 0, 1 << 20);
+    height = std::clamp(height, 0, 1 << 20);
+    // Nothing new must not move the page by a rounding.
+    if (width == m_x.window && height == m_y.window && verticalBar == m_x.bar && horizontalBar == m_y.bar) return;
     const double x = MiddleOf(m_x);
     const double y = MiddleOf(m_y);
-    m_x.window = std::clamp(width, 0, 1 << 20);
-    m_y.window = std::clamp(height, 0, 1 << 20);
+    m_x.window = width;
+    m_y.window = height;
     m_x.bar = verticalBar;
     m_y.bar = horizontalBar;
     Layout();
@@ -34,6 +38,7 @@ void Viewport::SetWindow(int width, int height, int verticalBar, int horizontalB
 }
 
 void Viewport::SetDpi(int dpi) {
+    if (dpi == m_dpi) return;
     const double x = MiddleOf(m_x);
     const double y = MiddleOf(m_y);
     m_dpi = std::clamp(dpi, 24, 2400);

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <windows.h>
+
+namespace folium {
+
+// Folium.dll.
+HINSTANCE ModuleInstance() noexcept;
+
+}  // namespace folium

@@ -1,0 +1,350 @@
+#include "folium/ControlHarness.h"
+
+#include <ole2.h>
+#include <oleacc.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+#include "win32/ControlHost.h"
+
+std::ostream& operator<<(std::ostream& out, const FoliumRect& rect) {
+    return out << rect.left << ',' << rect.top << ',' << rect.right << ',' << rect.bottom;
+}
+
+namespace test {
+
+namespace {
+
+constexpr wchar_t kFrameClass[] = L"FoliumTestFrame";
+int g_pages = 0;
+
+class Page final : public com::Object<IPageImage, IPagePixels> {
+public:
+    Page(SIZE size, uint32_t width, uint32_t height, uint32_t bits) : m_size(size) {
+        ++g_pages;
+        m_pixels = {width, height, bits, bits > 8 ? 0u : bits == 8 ? 256u : 2u, m_palette, nullptr, 0, 200, 200, size};
+        for (uint32_t i = 0; i < 256; ++i) m_palette[i] = i * 0x010101;
+        if (width == 0) return;
+        m_row.assign((size_t{width} * bits + 7) / 8, 0xc0);
+        m_pixels.topRow = m_row.data();
+    }
+    ~Page() override { --g_pages; }
+    HRESULT STDMETHODCALLTYPE GetSize(SIZE* size) noexcept override {
+        *size = m_size;
+        return sizeStatus;
+    }
+    HRESULT STDMETHODCALLTYPE GetPixels(PagePixels* pixels) noexcept override {
+        *pixels = m_pixels;
+        return pixelStatus;
+    }
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
+        // A page of another maker shows no way to its pixels.
+        if (m_pixels.topRow == nullptr && iid == __uuidof(IPagePixels)) return E_NOINTERFACE;
+        return Object::QueryInterface(iid, object);
+    }
+    HRESULT sizeStatus = S_OK, pixelStatus = S_OK;
+
+private:
+    SIZE m_size;
+    uint32_t m_palette[256];
+    std::vector<uint8_t> m_row;
+    PagePixels m_pixels;
+};
+
+// COM for the thread of all tests.
+class Environment final : public testing::Environment {
+    void SetUp() override { OleInitialize(nullptr); }
+    void TearDown() override { OleUninitialize(); }
+};
+const auto* const g_environment = testing::AddGlobalTestEnvironment(new Environment);
+
+BOOL CALLBACK FindControl(HWND window, LPARAM found) {
+    wchar_t name[32] = {};
+    GetClassNameW(window, name, 32);
+    if (wcscmp(name, L"FoliumPage") == 0) *reinterpret_cast<HWND*>(found) = window;
+    return TRUE;
+}
+
+}  // namespace
+
+ComPtr<IPageImage> MakePage(SIZE size, uint32_t width, uint32_t height, uint32_t bits) {
+    return {new Page(size, width, height, bits), false};
+}
+
+ComPtr<IPageImage> MakeBadPage(HRESULT sizeStatus, SIZE size, HRESULT pixelStatus) {
+    auto* page = new Page(size, 10, 10, 24);
+    page->sizeStatus = sizeStatus;
+    page->pixelStatus = pixelStatus;
+    return {page, false};
+}
+
+int LivePages() {
+    return g_pages;
+}
+
+FoliumCounts FoliumLibrary::Counts() const {
+    FoliumCounts counts = {};
+    m_classes.Dll().Export<void WINAPI(FoliumCounts*)>("FoliumGetCounts")(&counts);
+    return counts;
+}
+
+// Writes down what it is told.
+class ControlHarness::Sink final : public com::Object<com::NoDispatch<IDispatch>> {
+public:
+    explicit Sink(ControlHarness& harness) : m_harness(harness) {}
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
+        if (iid != IID_IUnknown && iid != IID_IDispatch && iid != host::kDiidFoliumEvents) return E_NOINTERFACE;
+        *object = static_cast<IDispatch*>(this);
+        AddRef();
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID event, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT*, EXCEPINFO*,
+                                     UINT*) noexcept override {
+        const auto argument = [&](UINT i) { return V_I4(&parameters->rgvarg[parameters->cArgs - 1 - i]); };
+        switch (event) {
+            case kFoliumPointerMoved:
+                m_harness.m_pointer = {argument(0), argument(1)};
+                break;
+            case kFoliumContextMenuRequested:
+                m_harness.m_menuId = argument(0);
+                m_harness.m_menuPlace = {argument(1), argument(2)};
+                Tell("menu", argument(0));
+                break;
+            default: {
+                const char* const names[] = {"selected", "changed", "added", "deleted"};
+                Tell(names[event - kFoliumRectSelected], argument(0));
+            }
+        }
+        if (m_harness.onEvent) m_harness.onEvent(event, argument(0));
+        return S_OK;
+    }
+
+private:
+    void Tell(const char* name, LONG id) {
+        m_harness.m_told += std::string(m_harness.m_told.empty() ? "" : " ") + name + std::to_string(id);
+    }
+    ControlHarness& m_harness;
+};
+
+// One window for all tests: the end of a top-level window can take seconds where there is no window manager.
+HWND ControlHarness::SharedFrame() {
+    static HWND frame = [] {
+        WNDCLASSW description = {};
+        description.lpfnWndProc = FrameProc;
+        description.hInstance = GetModuleHandleW(nullptr);
+        description.lpszClassName = kFrameClass;
+        RegisterClassW(&description);
+        return CreateWindowExW(WS_EX_CONTROLPARENT | WS_EX_TOPMOST, kFrameClass, L"Folium test", WS_POPUP | WS_VISIBLE,
+                               40, 40, kWidth, kHeight + 40, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+    }();
+    return frame;
+}
+
+ControlHarness::ControlHarness() : m_frame(SharedFrame()) {
+    SetWindowLongPtrW(m_frame, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    m_host = win32::CreateControl(host::kClsidFolium, L"", WS_CHILD | WS_VISIBLE | WS_TABSTOP, {0, 0, kWidth, kHeight},
+                                  m_frame, 100);
+    m_button = CreateWindowExW(0, L"BUTTON", L"Button", WS_CHILD | WS_VISIBLE | WS_TABSTOP, 0, kHeight, 100, 30,
+                               m_frame, nullptr, nullptr, nullptr);
+    const ComPtr<IUnknown> control = win32::GetControlUnknown(m_host);
+    if (control == nullptr) {
+        std::fprintf(stderr, "the container has no control\n");
+        std::abort();
+    }
+    control.GetInterfacePtr()->QueryInterface(&folium);
+    EnumChildWindows(m_host, FindControl, reinterpret_cast<LPARAM>(&m_window));
+    ComPtr<IConnectionPointContainer> container;
+    control.GetInterfacePtr()->QueryInterface(&container);
+    container->FindConnectionPoint(host::kDiidFoliumEvents, &m_point);
+    const ComPtr<IDispatch> sink(new Sink(*this), false);
+    EXPECT_EQ(m_point->Advise(sink, &m_cookie), S_OK);
+    SetForegroundWindow(m_frame);
+    Focus();
+}
+
+ControlHarness::~ControlHarness() {
+    onEvent = nullptr;
+    if (m_point != nullptr) m_point->Unadvise(m_cookie);
+    DestroyWindows();
+    SetWindowLongPtrW(m_frame, GWLP_USERDATA, 0);
+}
+
+void ControlHarness::DestroyWindows() {
+    if (m_host != nullptr) DestroyWindow(m_host);
+    if (m_button != nullptr) DestroyWindow(m_button);
+    m_host = m_button = nullptr;
+}
+
+LRESULT CALLBACK ControlHarness::FrameProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    auto* self = reinterpret_cast<ControlHarness*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (self != nullptr && message == WM_COMMAND && HIWORD(wParam) == 0) self->m_commands.push_back(LOWORD(wParam));
+    return DefWindowProcW(window, message, wParam, lParam);
+}
+
+void ControlHarness::SetUp(LONG mode) {
+    const FoliumDisplayOptions options = {RGB(224, 224, 224), RGB(255, 0, 0), RGB(0, 0, 255), 0, 0, 0, 0, 1};
+    const FoliumZoom zoom = {kFoliumZoomPercent, 100};
+    folium->SetDisplayOptions(&options);
+    folium->SetZoom(&zoom);
+    folium->SetMode(mode);
+    LONGLONG unused = 0;
+    EXPECT_EQ(folium->ShowPage(MakePage({2100, 2970}, 827, 1169), &unused), S_OK);
+    folium->UpdateView();
+    Pump();
+    Told();
+}
+
+LONG ControlHarness::Insert(const FoliumRect& rect) {
+    LONG id = 0;
+    EXPECT_EQ(folium->InsertRect(&rect, &id), S_OK);
+    Told();
+    return id;
+}
+
+FoliumRect ControlHarness::At(LONG id) {
+    FoliumRect rect = {};
+    if (FAILED(folium->QueryRect(id, &rect))) rect = MakeRect(-1, -1, -1, -1);
+    return rect;
+}
+
+// At 100 % and not scrolled: the page has a margin of 8 pixels.
+POINT ControlHarness::OnScreen(POINT page) const {
+    const auto convert = [](LONG units) { return 8 + static_cast<LONG>(units * 96 / 254.0 + 0.5); };
+    POINT point = {convert(page.x), convert(page.y)};
+    ClientToScreen(m_window, &point);
+    return point;
+}
+
+RECT ControlHarness::Location(LONG child) const {
+    IAccessible* accessible = nullptr;
+    const HRESULT status = AccessibleObjectFromWindow(m_window, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible),
+                                                      reinterpret_cast<void**>(&accessible));
+    EXPECT_EQ(status, S_OK);
+    if (FAILED(status)) return {};
+    VARIANT number = {};
+    V_VT(&number) = VT_I4;
+    V_I4(&number) = child;
+    LONG left = 0, top = 0, width = 0, height = 0;
+    EXPECT_EQ(accessible->accLocation(&left, &top, &width, &height, number), S_OK);
+    accessible->Release();
+    return {left, top, left + width, top + height};
+}
+
+// Keys go the way that a dialog sends them.
+void ControlHarness::Pump() {
+    for (int quiet = 0; quiet < 2; ++quiet) {
+        MSG message;
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+            quiet = 0;
+            if (IsDialogMessageW(m_frame, &message)) continue;
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+        Sleep(1);
+    }
+}
+
+void ControlHarness::Mouse(DWORD flags, DWORD data) {
+    INPUT input = {};
+    input.type = INPUT_MOUSE;
+    input.mi.dwFlags = flags;
+    input.mi.mouseData = data;
+    SendInput(1, &input, sizeof input);
+    Pump();
+}
+
+void ControlHarness::MoveTo(POINT screen) {
+    INPUT input = {};
+    input.type = INPUT_MOUSE;
+    input.mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
+    const auto normalized = [](LONG at, int length) { return static_cast<LONG>((at * 65536LL + 32768) / length); };
+    input.mi.dx = normalized(screen.x, GetSystemMetrics(SM_CXSCREEN));
+    input.mi.dy = normalized(screen.y, GetSystemMetrics(SM_CYSCREEN));
+    SendInput(1, &input, sizeof input);
+    Pump();
+}
+
+void ControlHarness::Click(POINT page, DWORD down, DWORD up) {
+    MoveTo(OnScreen(page));
+    MouseDown(down);
+    MouseUp(up);
+}
+
+void ControlHarness::DragFromTo(POINT from, POINT to) {
+    const POINT start = OnScreen(from), end = OnScreen(to);
+    DragPixels(start, end.x - start.x, end.y - start.y);
+}
+
+void ControlHarness::DragPixels(POINT from, int dx, int dy) {
+    MoveTo(from);
+    MouseDown();
+    MoveTo({from.x + dx / 2, from.y + dy / 2});
+    MoveTo({from.x + dx, from.y + dy});
+    MouseUp();
+}
+
+void ControlHarness::SendKey(WORD key, DWORD flags) {
+    INPUT input = {};
+    input.type = INPUT_KEYBOARD;
+    input.ki.wVk = key;
+    input.ki.dwFlags = flags;
+    SendInput(1, &input, sizeof input);
+    Pump();
+}
+
+void ControlHarness::Key(WORD key, int times) {
+    for (int i = 0; i < times; ++i) {
+        SendKey(key, 0);
+        SendKey(key, KEYEVENTF_KEYUP);
+    }
+}
+
+void ControlHarness::KeyWith(WORD modifier, WORD key) {
+    Hold(modifier);
+    Key(key);
+    LetGo(modifier);
+}
+
+void ControlHarness::Resize(int width, int height) {
+    SetWindowPos(m_host, nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER);
+    Pump();
+}
+
+void ControlHarness::Focus() {
+    SetFocus(m_window);
+    Pump();
+}
+
+std::vector<uint32_t> ControlHarness::Pixels(SIZE& size) {
+    Pump();
+    RECT rect = {};
+    GetClientRect(m_window, &rect);
+    size = {rect.right, rect.bottom};
+    std::vector<uint32_t> pixels(static_cast<size_t>(rect.right) * static_cast<size_t>(rect.bottom));
+    const HDC window = GetDC(m_window), memory = CreateCompatibleDC(window);
+    const HBITMAP bitmap = CreateCompatibleBitmap(window, rect.right, rect.bottom);
+    const HGDIOBJ before = SelectObject(memory, bitmap);
+    BitBlt(memory, 0, 0, rect.right, rect.bottom, window, 0, 0, SRCCOPY);
+    SelectObject(memory, before);
+    BITMAPINFO info = {};
+    info.bmiHeader = {sizeof info.bmiHeader, rect.right, -rect.bottom, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    GetDIBits(memory, bitmap, 0, static_cast<UINT>(rect.bottom), pixels.data(), &info, DIB_RGB_COLORS);
+    DeleteObject(bitmap);
+    DeleteDC(memory);
+    ReleaseDC(m_window, window);
+    for (uint32_t& pixel : pixels) pixel &= 0xffffff;
+    return pixels;
+}
+
+int ControlHarness::PixelsOf(COLORREF color) {
+    const uint32_t wanted = static_cast<uint32_t>(GetRValue(color)) << 16 |
+                            static_cast<uint32_t>(GetGValue(color)) << 8 | static_cast<uint32_t>(GetBValue(color));
+    SIZE size = {};
+    const std::vector<uint32_t> pixels = Pixels(size);
+    return static_cast<int>(std::count(pixels.begin(), pixels.end(), wanted));
+}
+
+}  // namespace test
