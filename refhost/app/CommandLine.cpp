@@ -58,6 +58,21 @@ constexpr const char* kImportFooter =
     "  zonhost sets import area-sets.json --dry-run\n"
     "  zonhost sets import letter.uzn --page letter.tif --name \"Letter text\" --ignored";
 
+constexpr const char* kFieldsFooter =
+    "Opens \"Configure Area Set\" for indexing fields and prints where they stand afterwards, in tenths of a\n"
+    "millimetre. Without PAGE, and where no page can be had, a blank page of the configured size is shown.\n"
+    "\n"
+    "Examples:\n"
+    "  zonhost fields --field Number --field Total=1500,2400,1900,2480 invoice.tif\n"
+    "  zonhost fields --field Date --json";
+
+constexpr const char* kViewFooter =
+    "Opens a window with the page display control, to try drawing, moving and sizing rectangles. Ctrl+PageDown and\n"
+    "Ctrl+PageUp turn the pages; the menu \"View\" zooms.\n"
+    "\n"
+    "Example:\n"
+    "  zonhost view scan.tif folder\\of\\scans";
+
 constexpr const char* kExportFooter =
     "Example:\n"
     "  zonhost sets export \"Letter body\" 0x00000003 --out area-sets.json";
@@ -123,6 +138,8 @@ public:
         m_app.add_flag("--verbose", m_common.verbose, "Show the log on standard error as well");
         AddSets();
         AddMask();
+        AddView();
+        AddFields();
         m_app.footer(kFooter);
     }
 
@@ -194,6 +211,33 @@ private:
         mask.callback([this] { m_command = [this] { return MaskPages(m_common, m_mask); }; });
     }
 
+    static void AddWindowOptions(CLI::App& command, WindowOptions& options, bool pagesNeeded) {
+        command.add_option("--units", options.units, "Lengths in mm or inch (default: the regional setting)")
+            ->check(CLI::IsMember({"auto", "mm", "inch"}))
+            ->type_name("UNIT");
+        PathsOption(command, "PAGE", options.pages, "Image files and folders")->required(pagesNeeded);
+    }
+
+    void AddView() {
+        CLI::App& view = *m_app.add_subcommand("view", "Show pages in the page display control");
+        view.footer(kViewFooter);
+        AddWindowOptions(view, m_view.window, true);
+        view.callback([this] { m_command = [this] { return ViewPages(m_common, m_view); }; });
+    }
+
+    void AddFields() {
+        CLI::App& fields = *m_app.add_subcommand("fields", "Place indexing fields on a page");
+        fields.footer(kFieldsFooter);
+        fields.add_option("--field", m_fields.fields, "An indexing field, and where it stands")
+            ->type_name("NAME[=left,top,right,bottom]")
+            ->allow_extra_args(false)
+            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+        fields.add_option("--name", m_fields.name, "Shown in the title of the dialog")->type_name("NAME");
+        fields.add_flag("--json", m_fields.json, "Print JSON");
+        AddWindowOptions(fields, m_fields.window, false);
+        fields.callback([this] { m_command = [this] { return PlaceFields(m_common, m_fields); }; });
+    }
+
     CLI::App m_app;
     CommonOptions m_common;
     ListOptions m_list;
@@ -201,6 +245,8 @@ private:
     ExportOptions m_export;
     ImportOptions m_import;
     MaskOptions m_mask;
+    ViewOptions m_view;
+    FieldsOptions m_fields;
     std::function<ExitCode()> m_command;
 };
 

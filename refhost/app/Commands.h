@@ -10,5 +10,7 @@ ExitCode ShowSet(const CommonOptions& common, const ShowOptions& options);
 ExitCode ExportSets(const CommonOptions& common, const ExportOptions& options);
 ExitCode ImportSets(const CommonOptions& common, const ImportOptions& options);
 ExitCode MaskPages(const CommonOptions& common, const MaskOptions& options);
+ExitCode ViewPages(const CommonOptions& common, const ViewOptions& options);
+ExitCode PlaceFields(const CommonOptions& common, const FieldsOptions& options);
 
 }  // namespace zonhost

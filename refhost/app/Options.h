@@ -49,4 +49,21 @@ struct MaskOptions {
     std::vector<std::filesystem::path> pages;
 };
 
+// Of commands that open windows.
+struct WindowOptions {
+    std::string units = "auto";  // "mm", "inch", or the user's regional setting
+    std::vector<std::filesystem::path> pages;
+};
+
+struct ViewOptions {
+    WindowOptions window;
+};
+
+struct FieldsOptions {
+    WindowOptions window;
+    std::vector<std::string> fields;
+    std::string name;
+    bool json = false;
+};
+
 }  // namespace zonhost

@@ -41,6 +41,9 @@ public:
 
     MaskedImage Mask(void* image, const std::wstring& setName) const;
 
+    // Opens "Configure Area Set" for indexing fields; false when it could not be opened.
+    bool PlaceFields(HWND owner, const std::wstring& name, std::vector<SAIndexField>& fields, IConfigHost* host) const;
+
 private:
     const com::HostDll m_dll;
     bool m_opened = false;
@@ -49,6 +52,7 @@ private:
     decltype(&SAGetAreaRects) m_getAreaRects;
     decltype(&SAMapID2Index) m_mapId2Index;
     decltype(&SAMapIndex2ID) m_mapIndex2Id;
+    decltype(&ConfigurePage) m_configurePage;
     decltype(&CreateAreaSetImage) m_createImage;
     decltype(&FreeAreaSetImage) m_freeImage;
 };

@@ -30,5 +30,9 @@ private:
     win32::HostUnits m_units;
 };
 
-inline FoliumRect ToFolium(const PageRect& rect) { return {0, 0, rect.left, rect.top, rect.right, rect.bottom}; }
-inline PageRect FromFolium(const FoliumRect& rect) { return {rect.left, rect.top, rect.right, rect.bottom}; }
+inline FoliumRect ToFolium(const PageRect& rect) {
+    return {0, 0, rect.left, rect.top, rect.right, rect.bottom};
+}
+inline PageRect FromFolium(const FoliumRect& rect) {
+    return {rect.left, rect.top, rect.right, rect.bottom};
+}

@@ -46,10 +46,7 @@ void Shift(HWND dialog, HWND control, int up, int shrink) {
 
 CSASetConfigDlg::CSASetConfigDlg(CAreaSet* pAreaSet, const AreaColors& colors, std::vector<std::wstring> indexFields,
                                  CWnd* pParent)
-    : CDialog(IDD_SET_CONFIG, pParent),
-      m_pAreaSet(pAreaSet),
-      m_colors(colors),
-      m_indexFields(std::move(indexFields)) {}
+    : CDialog(IDD_SET_CONFIG, pParent), m_pAreaSet(pAreaSet), m_colors(colors), m_indexFields(std::move(indexFields)) {}
 
 std::span<const win32::MessageEntry> CSASetConfigDlg::GetMessageMap() const {
     static constexpr win32::MessageEntry kMap[] = {
@@ -127,7 +124,8 @@ void CSASetConfigDlg::FitToMonitor() {
     GetWindowRect(dialog, &window);
     GetWindowRect(GetDlgItem(IDC_CONFIG_FRAME), &frame);
     const int available = monitor.rcWork.bottom - monitor.rcWork.top;
-    const int excess = std::min<int>(window.bottom - window.top - available, frame.bottom - frame.top - kSmallestPageFrame);
+    const int excess =
+        std::min<int>(window.bottom - window.top - available, frame.bottom - frame.top - kSmallestPageFrame);
     if (excess <= 0) return;
 
     for (HWND child = GetWindow(dialog, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
@@ -217,8 +215,8 @@ void CSASetConfigDlg::ShowBlankPage() {
     IPageImagePtr page;
     try {
         IImageLoaderPtr loader;
-        win32::CheckHost(CoCreateInstance(host::kClsidPageImage, nullptr, CLSCTX_INPROC_SERVER,
-                                          __uuidof(IImageLoader), reinterpret_cast<void**>(&loader)),
+        win32::CheckHost(CoCreateInstance(host::kClsidPageImage, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IImageLoader),
+                                          reinterpret_cast<void**>(&loader)),
                          __uuidof(IImageLoader));
         CallHost(loader.GetInterfacePtr(), &IImageLoader::CreateBlank, LONG{width}, LONG{height}, kBlankResolution,
                  kBlankResolution, LONG{0});
@@ -232,8 +230,8 @@ void CSASetConfigDlg::ShowBlankPage() {
     UpdateNavigationButtons(kNoWayOn);
 }
 
-// The control fires RectAdded for each, which appends its row. An area without its row would be lost by OK, so that ends
-// the opening.
+// The control fires RectAdded for each, which appends its row. An area without its row would be lost by OK, so that
+// ends the opening.
 void CSASetConfigDlg::LoadRects() {
     for (int32_t i = 0; i < m_pAreaSet->GetRectCount(); ++i) {
         const CAreaRect* area = m_pAreaSet->GetRect(i);

@@ -18,8 +18,7 @@
 class CSASetConfigDlg final : public CDialog {
 public:
     // The set stays the caller's and outlives the dialog.
-    CSASetConfigDlg(CAreaSet* pAreaSet, const AreaColors& colors, std::vector<std::wstring> indexFields,
-                    CWnd* pParent);
+    CSASetConfigDlg(CAreaSet* pAreaSet, const AreaColors& colors, std::vector<std::wstring> indexFields, CWnd* pParent);
 
     // After OK: the rectangle that carries the field, all zero when none does.
     PageRect GetFieldRect(const std::wstring& field) { return m_fieldRects[field]; }

@@ -43,8 +43,8 @@ void CSASetConfigDlg::OnRectAdded(LONG id) {
         FoliumRect rect = {};
         if (FAILED(m_pFolium->QueryRect(id, &rect))) return;
         const ScopedFlag updating(m_bUpdatingList, true, false);
-        const std::wstring field = IsIndexing() ? m_removedFields.TakeBack(static_cast<uint32_t>(id), GetRowFields())
-                                                : std::wstring();
+        const std::wstring field =
+            IsIndexing() ? m_removedFields.TakeBack(static_cast<uint32_t>(id), GetRowFields()) : std::wstring();
         const int row = m_list.InsertItem(m_list.GetItemCount(), {});
         LVITEMW item = {};
         item.mask = LVIF_PARAM;

@@ -38,8 +38,7 @@ void ReadOptional(Read read) {
 
 class Menu {
 public:
-    explicit Menu(UINT id)
-        : m_menu(LoadMenuW(win32::FindResourceInstance(RT_MENU, id), MAKEINTRESOURCEW(id))) {}
+    explicit Menu(UINT id) : m_menu(LoadMenuW(win32::FindResourceInstance(RT_MENU, id), MAKEINTRESOURCEW(id))) {}
     ~Menu() {
         if (m_menu != nullptr) DestroyMenu(m_menu);
     }
@@ -58,7 +57,8 @@ void CentreWindow(HWND window) {
     GetWindowRect(window, &rect);
     MONITORINFO monitor = {};
     monitor.cbSize = sizeof monitor;
-    if (!GetMonitorInfoW(MonitorFromWindow(owner != nullptr ? owner : window, MONITOR_DEFAULTTONEAREST), &monitor)) return;
+    if (!GetMonitorInfoW(MonitorFromWindow(owner != nullptr ? owner : window, MONITOR_DEFAULTTONEAREST), &monitor))
+        return;
     around = monitor.rcWork;
     if (owner != nullptr && IsWindowVisible(owner) && !IsIconic(owner)) GetWindowRect(owner, &around);
     const LONG width = rect.right - rect.left;

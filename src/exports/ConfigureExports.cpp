@@ -86,7 +86,9 @@ private:
     IConfigScopePtr m_scope;
 };
 
-std::wstring NameOf(const SAIndexField& field) { return field.pszName != nullptr ? field.pszName : L""; }
+std::wstring NameOf(const SAIndexField& field) {
+    return field.pszName != nullptr ? field.pszName : L"";
+}
 
 void TakeFields(const SAIndexField* fields, int count, CAreaSet& set, std::vector<std::wstring>& names) {
     for (int i = 0; i < count; ++i) {
@@ -151,9 +153,8 @@ BOOL WINAPI SAConfigureSet(HWND hParent, DWORD dwID) {
 
 BOOL WINAPI ConfigurePage(HWND a_hParent, LPCWSTR name, SAIndexField* fields, int count, IConfigHost* host,
                           int document, int page) {
-    return module::Contain(kSource, __LINE__, L"ConfigurePage", FALSE, [&] {
-        return ConfigurePageFields(a_hParent, name, fields, count, host, document, page);
-    });
+    return module::Contain(kSource, __LINE__, L"ConfigurePage", FALSE,
+                           [&] { return ConfigurePageFields(a_hParent, name, fields, count, host, document, page); });
 }
 
 }  // extern "C"
