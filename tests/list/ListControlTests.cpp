@@ -113,7 +113,9 @@ TEST(ListMove, OrdersOfTheParent) {
     ListDialog list(2000);
     list.Play({[&](HWND) {
                    const int32_t rows[] = {1999, 0, 5};
+                   const int before = list.changes;
                    EXPECT_TRUE(list.List().MoveItems(1000, 3, rows));
+                   EXPECT_EQ(list.changes, before) << "the data that the rows carry meanwhile was notified";
                    EXPECT_EQ(list.Cell(0, 0), L"r1c0");
                    EXPECT_EQ(list.Cell(998, 0), L"r1999c0");
                    EXPECT_EQ(list.Cell(999, 1), L"r0c1");
@@ -122,7 +124,7 @@ TEST(ListMove, OrdersOfTheParent) {
                    EXPECT_EQ(list.List().GetItemData(998), 2099);
                    EXPECT_EQ(list.SelectedRow(), 999);
                    EXPECT_EQ(list.List().GetItemCount(), 2000);
-                   const std::wstring before = list.Rows();
+                   const std::wstring order = list.Rows();
                    const int32_t twice[] = {3, 3};
                    const int32_t beyond[] = {2000};
                    EXPECT_FALSE(list.List().MoveItems(0, 2, twice));
@@ -130,7 +132,7 @@ TEST(ListMove, OrdersOfTheParent) {
                    EXPECT_FALSE(list.List().MoveItems(2001, 1, rows));
                    EXPECT_FALSE(list.List().MoveItems(0, -1, rows));
                    EXPECT_FALSE(list.List().MoveItems(0, 1, nullptr));
-                   EXPECT_EQ(list.Rows(), before);
+                   EXPECT_EQ(list.Rows(), order);
                },
                kClose});
     EXPECT_EQ(list.selections, 0);

@@ -87,6 +87,7 @@ void ListDialog::Fill(HWND dialog) {
 void ListDialog::OnNotify(NMHDR* header) {
     if (header->idFrom != kListId) return;
     const auto* record = reinterpret_cast<const NMLISTVIEW*>(header);
+    if (header->code == LVN_ITEMCHANGED || header->code == LVN_ITEMCHANGING) ++changes;
     if (header->code == LVN_ITEMCHANGED && (record->uChanged & LVIF_STATE) && (record->uNewState & LVIS_SELECTED) &&
         !(record->uOldState & LVIS_SELECTED)) {
         ++selections;

@@ -51,6 +51,7 @@ public:
     std::vector<EditedCell> edited;
     std::vector<RequestedMove> moves;
     int selections = 0;  // notifications of a newly selected row
+    int changes = 0;     // of any change of a row
     std::function<void(const EditedCell&)> onEdited;
 
 private:

@@ -58,6 +58,13 @@ TEST(ListEdit, TheFirstClickOnlySelects) {
     EXPECT_TRUE(list.edited.empty());
 }
 
+TEST(ListEdit, AClickThatBringsTheFocusDoesNotEdit) {
+    ListDialog list;
+    const auto click = [&](HWND) { test::ClickAt(list.CellPoint(0, 0)); };
+    list.Play({[](HWND dialog) { SetFocus(GetDlgItem(dialog, test::kFieldId)); }, click, [](HWND) {}, [](HWND) {},
+               Expect(list, L""), [&](HWND) { EXPECT_TRUE(list.ListHasFocus()); }, kClose});
+}
+
 TEST(ListEdit, EscapeTakesTheTextBackAndStaysInside) {
     ListDialog list;
     EXPECT_EQ(list.Play({Key(VK_F2), Type(L"99"), Key(VK_ESCAPE),
