@@ -71,9 +71,9 @@ void WINAPI SAInit(struct IUnknown* pHost);
  * hParent  a window of the calling thread.
  * dwID     the set.
  *
- * Pages come from the document stack of an earlier ConfigurePage or SAConfigure; without one the result is 0 and nothing
- * is traced. OK changes the set in memory and in the module's working copy of the settings; the host's own node changes
- * when "Manage Area Sets" is closed with OK.
+ * Pages come from the document stack of an earlier ConfigurePage or SAConfigure; without one the result is 0 and
+ * nothing is traced. OK changes the set in memory and in the module's working copy of the settings; the host's own node
+ * changes when "Manage Area Sets" is closed with OK.
  *
  * Returns 1 when the dialog ran, whether it was accepted or cancelled. On failure (no such set, no window, the sets
  * cannot be loaded, the dialog cannot be opened) 0, and a message box told the user.
@@ -128,9 +128,8 @@ void WINAPI SAChangeColors(COLORREF first, COLORREF second, COLORREF third);
  * fields, count   the fields; those with coordinates are shown as areas. After OK every one has the rectangle that now
  *                 carries its name, all 0 when none does; fields of the same name get the same rectangle. Unchanged
  *                 otherwise. Null only with a count below 1.
- * host            bracketed by IConfigScope::Begin and End; its document stack is the one that the dialogs show from now
- *                 on.
- * document, page  where page display starts; negative values count as 0.
+ * host            bracketed by IConfigScope::Begin and End; its document stack is the one that the dialogs show from
+ * now on. document, page  where page display starts; negative values count as 0.
  *
  * Returns 1 when the dialog ran, whether it was accepted or cancelled, and 0 on failure; a message box told the user,
  * but for a null or failing host object and for null fields. No stored set changes.
@@ -160,10 +159,12 @@ void WINAPI FreeAreaSetImage(BYTE* block);
 }
 
 static_assert(sizeof(SAAreaInfo) == 140 && offsetof(SAAreaInfo, szName) == 0 && offsetof(SAAreaInfo, nAreas) == 128 &&
-              offsetof(SAAreaInfo, dwFlags) == 132 && offsetof(SAAreaInfo, dwID) == 136, "layout of SAAreaInfo");
+                  offsetof(SAAreaInfo, dwFlags) == 132 && offsetof(SAAreaInfo, dwID) == 136,
+              "layout of SAAreaInfo");
 static_assert(sizeof(SAIndexField) == 24 && offsetof(SAIndexField, top) == 0 && offsetof(SAIndexField, bottom) == 4 &&
-              offsetof(SAIndexField, right) == 8 && offsetof(SAIndexField, left) == 12 &&
-              offsetof(SAIndexField, pszName) == 16, "layout of SAIndexField");
+                  offsetof(SAIndexField, right) == 8 && offsetof(SAIndexField, left) == 12 &&
+                  offsetof(SAIndexField, pszName) == 16,
+              "layout of SAIndexField");
 #endif
 
 #endif

@@ -81,6 +81,9 @@ inline constexpr GUID kDiidFoliumEvents = MakeGuid(ZONWICK_IID_FOLIUM_EVENTS);
 
 // The numbers as the fields of a GUID in C: static const GUID kFolium = {ZONWICK_GUID_FIELDS(ZONWICK_CLSID_FOLIUM)};
 #define ZONWICK_GUID_FIELDS(...) ZONWICK_GUID_FIELDS_(__VA_ARGS__)
-#define ZONWICK_GUID_FIELDS_(d1, d2, d3, ...) d1, d2, d3, {__VA_ARGS__}
+#define ZONWICK_GUID_FIELDS_(d1, d2, d3, ...) \
+    d1, d2, d3, {                             \
+        __VA_ARGS__                           \
+    }
 
 #endif

@@ -41,8 +41,8 @@ TEST(CHost, EnumeratesReadsAndMasks) {
     const std::string page = ProgramFolder() + "c_host_page.bmp";
     WritePage(page);
     int exitCode = -1;
-    const std::string text =
-        RunProgram("\"\"" + ProgramFolder() + "c_host.exe\" \"Z:" SAMPLES_DIR "/settings.json\" \"" + page + "\"\"", exitCode);
+    const std::string text = RunProgram(
+        "\"\"" + ProgramFolder() + "c_host.exe\" \"Z:" SAMPLES_DIR "/settings.json\" \"" + page + "\"\"", exitCode);
     EXPECT_EQ(exitCode, 0) << text;
     EXPECT_NE(text.find(" areas, first at "), std::string::npos) << text;
     EXPECT_NE(text.find("masked: "), std::string::npos) << text;
