@@ -128,8 +128,8 @@ void WINAPI SAChangeColors(COLORREF first, COLORREF second, COLORREF third);
  * fields, count   the fields; those with coordinates are shown as areas. After OK every one has the rectangle that now
  *                 carries its name, all 0 when none does; fields of the same name get the same rectangle. Unchanged
  *                 otherwise. Null only with a count below 1.
- * host            bracketed by IConfigScope::Begin and End; its document stack is the one that the dialogs show from
- * now on. document, page  where page display starts; negative values count as 0.
+ * host            bracketed by IConfigScope::Begin and End; the dialogs show its document stack from now on.
+ * document, page  where page display starts; negative values count as 0.
  *
  * Returns 1 when the dialog ran, whether it was accepted or cancelled, and 0 on failure; a message box told the user,
  * but for a null or failing host object and for null fields. No stored set changes.
