@@ -52,10 +52,6 @@ FoliumWindow::Result FoliumWindow::HandleKeys(UINT message, WPARAM wParam, LPARA
         case WM_KEYDOWN:
             if (!KeyDown(wParam, lParam)) return std::nullopt;
             return 0;
-        case WM_KEYUP:
-            if (wParam != VK_APPS) return std::nullopt;
-            RequestMenu(-1);
-            return 0;
         case WM_SYSKEYDOWN:
         case WM_SYSKEYUP:
             // Alt suspends snapping; it must not open the menu of the window around in the middle of a drag.

@@ -185,7 +185,7 @@ LRESULT CALLBACK ControlHarness::FrameProc(HWND window, UINT message, WPARAM wPa
 }
 
 void ControlHarness::SetUp(LONG mode) {
-    const FoliumDisplayOptions options = {RGB(224, 224, 224), RGB(255, 0, 0), RGB(0, 0, 255), 0, 0, 0, 0, 1};
+    const FoliumDisplayOptions options = {RGB(224, 224, 224), RGB(255, 0, 0), RGB(255, 200, 0), 0, 0, 0, 0, 1};
     const FoliumZoom zoom = {kFoliumZoomPercent, 100};
     folium->SetDisplayOptions(&options);
     folium->SetZoom(&zoom);
@@ -293,6 +293,15 @@ void ControlHarness::SendKey(WORD key, DWORD flags) {
     input.ki.dwFlags = flags;
     SendInput(1, &input, sizeof input);
     Pump();
+}
+
+// What the display server tells late of the pointer's last move would let go of the key.
+void ControlHarness::Hold(WORD key) {
+    for (int i = 0; i < 5; ++i) {
+        Sleep(10);
+        Pump();
+    }
+    SendKey(key, 0);
 }
 
 void ControlHarness::Key(WORD key, int times) {

