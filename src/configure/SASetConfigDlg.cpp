@@ -24,15 +24,6 @@ constexpr int kSmallestPageFrame = 80;  // pixels of height that a low monitor l
 
 _COM_SMARTPTR_TYPEDEF(IImageLoader, __uuidof(IImageLoader));
 
-template <class Read, class Value>
-Value ReadOr(Value fallback, Read read) {
-    try {
-        return read();
-    } catch (const _com_error&) {
-        return fallback;
-    }
-}
-
 // Moves a control up, or takes height off it.
 void Shift(HWND dialog, HWND control, int up, int shrink) {
     RECT rect;
@@ -195,7 +186,7 @@ void CSASetConfigDlg::SetDisplayOptions() {
 
 bool CSASetConfigDlg::ShowScannedPage() {
     ComSettingsNode node(GetApp().GetSettingsNode());
-    if (!ReadOr(kDefaultPageScanned, [&] { return node.GetBool(kKeyPageScanned); })) return false;
+    if (!win32::ReadOr(kDefaultPageScanned, [&] { return node.GetBool(kKeyPageScanned); })) return false;
     uint32_t flags = kNoWayOn;
     IPageImagePtr page;
     if (!GetPage(flags, page)) return false;
@@ -207,7 +198,7 @@ bool CSASetConfigDlg::ShowScannedPage() {
 void CSASetConfigDlg::ShowBlankPage() {
     ComSettingsNode node(GetApp().GetSettingsNode());
     const auto read = [&](const wchar_t* key, int32_t fallback) {
-        return ReadOr(fallback, [&] { return static_cast<int32_t>(node.GetInt64(key)); });
+        return win32::ReadOr(fallback, [&] { return node.GetInt64(key); });
     };
     const int32_t width = read(kKeyRealWidth, kDefaultRealWidth);
     const int32_t height = read(kKeyRealHeight, kDefaultRealHeight);

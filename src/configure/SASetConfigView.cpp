@@ -26,16 +26,6 @@ WidthsSetting GetWidthsSetting(bool indexing) {
     return {L"ColumnsWidth", L"[%]250,250,250,250"};
 }
 
-// Runs one read; a value that cannot be read leaves its default.
-template <class Read>
-void ReadOptional(Read read) {
-    try {
-        read();
-    } catch (const _com_error&) {
-        return;
-    }
-}
-
 class Menu {
 public:
     explicit Menu(UINT id) : m_menu(LoadMenuW(win32::FindResourceInstance(RT_MENU, id), MAKEINTRESOURCEW(id))) {}
@@ -180,18 +170,15 @@ bool CSASetConfigDlg::LoadViewSettings() {
     ComSettingsNode node(GetApp().GetSettingsNode());
     CentreWindow(GetSafeHwnd());
 
-    bool smooth = true;
-    ReadOptional([&] { smooth = node.GetBool(kKeySmooth); });
-    m_bSmooth = !smooth;
+    m_bSmooth = !win32::ReadOr(true, [&] { return node.GetBool(kKeySmooth); });
     SendMessage(WM_COMMAND, ID_SMOOTH_IMAGES);
 
-    int64_t scale = rectlist::kWholePageCommand;
-    ReadOptional([&] { scale = static_cast<int32_t>(node.GetInt64(kKeyScale)); });
+    const auto scale =
+        win32::ReadOr(static_cast<int32_t>(rectlist::kWholePageCommand), [&] { return node.GetInt64(kKeyScale); });
     SendMessage(WM_COMMAND, rectlist::GetStartScaleCommand(scale));
 
     const WidthsSetting widths = GetWidthsSetting(IsIndexing());
-    m_strColumnWidths = widths.fallback;
-    ReadOptional([&] { m_strColumnWidths = node.GetString(widths.key); });
+    m_strColumnWidths = win32::ReadOr(std::wstring(widths.fallback), [&] { return node.GetString(widths.key); });
     return true;
 }
 
