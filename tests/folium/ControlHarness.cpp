@@ -56,7 +56,10 @@ private:
 
 // COM for the thread of all tests.
 class Environment final : public testing::Environment {
-    void SetUp() override { OleInitialize(nullptr); }
+    void SetUp() override {
+        SetProcessDPIAware();
+        OleInitialize(nullptr);
+    }
     void TearDown() override { OleUninitialize(); }
 };
 const auto* const g_environment = testing::AddGlobalTestEnvironment(new Environment);
@@ -138,17 +141,17 @@ HWND ControlHarness::SharedFrame() {
         description.lpszClassName = kFrameClass;
         RegisterClassW(&description);
         return CreateWindowExW(WS_EX_CONTROLPARENT | WS_EX_TOPMOST, kFrameClass, L"Folium test", WS_POPUP | WS_VISIBLE,
-                               40, 40, kWidth, kHeight + 40, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+                               40, 40, Scaled(500), Scaled(640), nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
     }();
     return frame;
 }
 
 ControlHarness::ControlHarness() : m_frame(SharedFrame()) {
     SetWindowLongPtrW(m_frame, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-    m_host = win32::CreateControl(host::kClsidFolium, L"", WS_CHILD | WS_VISIBLE | WS_TABSTOP, {0, 0, kWidth, kHeight},
-                                  m_frame, 100);
-    m_button = CreateWindowExW(0, L"BUTTON", L"Button", WS_CHILD | WS_VISIBLE | WS_TABSTOP, 0, kHeight, 100, 30,
-                               m_frame, nullptr, nullptr, nullptr);
+    m_host = win32::CreateControl(host::kClsidFolium, L"", WS_CHILD | WS_VISIBLE | WS_TABSTOP,
+                                  {0, 0, Scaled(500), Scaled(600)}, m_frame, 100);
+    m_button = CreateWindowExW(0, L"BUTTON", L"Button", WS_CHILD | WS_VISIBLE | WS_TABSTOP, 0, Scaled(600), Scaled(100),
+                               Scaled(30), m_frame, nullptr, nullptr, nullptr);
     const ComPtr<IUnknown> control = win32::GetControlUnknown(m_host);
     if (control == nullptr) {
         std::fprintf(stderr, "the container has no control\n");
@@ -210,9 +213,16 @@ FoliumRect ControlHarness::At(LONG id) {
     return rect;
 }
 
+int ControlHarness::Scaled(int pixels) {
+    const HDC screen = GetDC(nullptr);
+    const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
+    ReleaseDC(nullptr, screen);
+    return MulDiv(pixels, dpi, 96);
+}
+
 // At 100 % and not scrolled: the page has a margin of 8 pixels.
 POINT ControlHarness::OnScreen(POINT page) const {
-    const auto convert = [](LONG units) { return 8 + static_cast<LONG>(units * 96 / 254.0 + 0.5); };
+    const auto convert = [](LONG units) { return Scaled(8) + static_cast<LONG>(units * Scaled(96) / 254.0 + 0.5); };
     POINT point = {convert(page.x), convert(page.y)};
     ClientToScreen(m_window, &point);
     return point;
@@ -318,7 +328,7 @@ void ControlHarness::KeyWith(WORD modifier, WORD key) {
 }
 
 void ControlHarness::Resize(int width, int height) {
-    SetWindowPos(m_host, nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER);
+    SetWindowPos(m_host, nullptr, 0, 0, Scaled(width), Scaled(height), SWP_NOMOVE | SWP_NOZORDER);
     Pump();
 }
 

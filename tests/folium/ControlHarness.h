@@ -51,7 +51,8 @@ private:
 
 class ControlHarness {
 public:
-    static constexpr int kWidth = 500, kHeight = 600;
+    // Pixels of a length given for 96 dots per inch: the tests hold at any scaling of the screen.
+    static int Scaled(int pixels);
 
     // The window around, one for all.
     static HWND SharedFrame();

@@ -55,10 +55,10 @@ TEST_F(ControlInput, HandlesHaveOneSizeAtAnyZoom) {
                 POINT handle = {(place.left + place.right) / 2 + x * (place.right - place.left) / 2,
                                 (place.top + place.bottom) / 2 + y * (place.bottom - place.top) / 2};
                 // Its outer pixels, 3 from the middle, belong to it as well.
-                handle.x += x * 3;
-                handle.y += y * 3;
+                handle.x += x * ControlHarness::Scaled(3);
+                handle.y += y * ControlHarness::Scaled(3);
                 control.Told();
-                control.DragPixels(handle, 20, 30);
+                control.DragPixels(handle, ControlHarness::Scaled(20), ControlHarness::Scaled(30));
                 EXPECT_EQ(control.Told(), "changed1") << percent << ' ' << x << ' ' << y;
                 const double unit = 254.0 / 96 * 100 / percent;
                 FoliumRect expected = original;

@@ -142,8 +142,8 @@ TEST_F(ControlView, ScrollBarsOnlyWhereNeededAndFitFollows) {
         RECT client = {};
         GetClientRect(control.Window(), &client);
         const RECT page = control.Location(1);
-        const bool fitsWidth = page.right - page.left == client.right - 16;
-        const bool fitsHeight = page.bottom - page.top == client.bottom - 16;
+        const bool fitsWidth = page.right - page.left == client.right - 2 * ControlHarness::Scaled(8);
+        const bool fitsHeight = page.bottom - page.top == client.bottom - 2 * ControlHarness::Scaled(8);
         EXPECT_TRUE(test.mode == kFoliumZoomPageHeight  ? fitsHeight
                     : test.mode == kFoliumZoomPageWidth ? fitsWidth
                                                         : fitsWidth || fitsHeight)
