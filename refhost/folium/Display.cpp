@@ -90,7 +90,8 @@ void Display::RefreshColors() {
         return;
     }
     m_colors.background = ToRgb(m_options.background);
-    m_colors.border = SecondColor(m_colors.background, 0x808080);
+    // A quiet line, lighter or darker than what lies around the page.
+    m_colors.border = SecondColor(m_colors.background, 0) == 0 ? 0x707070 : 0xA0A0A0;
     m_colors.area = ToRgb(m_options.area1);
     m_colors.selected = ToRgb(m_options.area2);
     m_colors.second = ToRgb(m_options.area3);

@@ -72,7 +72,9 @@ private:
     void SyncScrollBars();
     void ScrollView(int64_t dx, int64_t dy);
     void OnScrollBar(bool horizontal, WPARAM wParam);
+    bool Compose(const RECT& part);
     void Paint();
+    void PaintInto(HDC dc);
     void Invalidate(const PixelRect& rect);
     void OnGone();
 

@@ -19,41 +19,6 @@ namespace test {
 namespace {
 
 constexpr wchar_t kFrameClass[] = L"FoliumTestFrame";
-int g_pages = 0;
-
-class Page final : public com::Object<IPageImage, IPagePixels> {
-public:
-    Page(SIZE size, uint32_t width, uint32_t height, uint32_t bits) : m_size(size) {
-        ++g_pages;
-        m_pixels = {width, height, bits, bits > 8 ? 0u : bits == 8 ? 256u : 2u, m_palette, nullptr, 0, 200, 200, size};
-        for (uint32_t i = 0; i < 256; ++i) m_palette[i] = i * 0x010101;
-        if (width == 0) return;
-        m_row.assign((size_t{width} * bits + 7) / 8, 0xc0);
-        m_pixels.topRow = m_row.data();
-    }
-    ~Page() override { --g_pages; }
-    HRESULT STDMETHODCALLTYPE GetSize(SIZE* size) noexcept override {
-        *size = m_size;
-        return sizeStatus;
-    }
-    HRESULT STDMETHODCALLTYPE GetPixels(PagePixels* pixels) noexcept override {
-        *pixels = m_pixels;
-        return pixelStatus;
-    }
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
-        // A page of another maker shows no way to its pixels.
-        if (m_pixels.topRow == nullptr && iid == __uuidof(IPagePixels)) return E_NOINTERFACE;
-        return Object::QueryInterface(iid, object);
-    }
-    HRESULT sizeStatus = S_OK, pixelStatus = S_OK;
-
-private:
-    SIZE m_size;
-    uint32_t m_palette[256];
-    std::vector<uint8_t> m_row;
-    PagePixels m_pixels;
-};
-
 // COM for the thread of all tests.
 class Environment final : public testing::Environment {
     void SetUp() override {
@@ -72,21 +37,6 @@ BOOL CALLBACK FindControl(HWND window, LPARAM found) {
 }
 
 }  // namespace
-
-ComPtr<IPageImage> MakePage(SIZE size, uint32_t width, uint32_t height, uint32_t bits) {
-    return {new Page(size, width, height, bits), false};
-}
-
-ComPtr<IPageImage> MakeBadPage(HRESULT sizeStatus, SIZE size, HRESULT pixelStatus) {
-    auto* page = new Page(size, 10, 10, 24);
-    page->sizeStatus = sizeStatus;
-    page->pixelStatus = pixelStatus;
-    return {page, false};
-}
-
-int LivePages() {
-    return g_pages;
-}
 
 FoliumCounts FoliumLibrary::Counts() const {
     FoliumCounts counts = {};
@@ -213,21 +163,6 @@ FoliumRect ControlHarness::At(LONG id) {
     return rect;
 }
 
-int ControlHarness::Scaled(int pixels) {
-    const HDC screen = GetDC(nullptr);
-    const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
-    ReleaseDC(nullptr, screen);
-    return MulDiv(pixels, dpi, 96);
-}
-
-// At 100 % and not scrolled: the page has a margin of 8 pixels.
-POINT ControlHarness::OnScreen(POINT page) const {
-    const auto convert = [](LONG units) { return Scaled(8) + static_cast<LONG>(units * Scaled(96) / 254.0 + 0.5); };
-    POINT point = {convert(page.x), convert(page.y)};
-    ClientToScreen(m_window, &point);
-    return point;
-}
-
 RECT ControlHarness::Location(LONG child) const {
     IAccessible* accessible = nullptr;
     const HRESULT status = AccessibleObjectFromWindow(m_window, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible),
@@ -241,90 +176,6 @@ RECT ControlHarness::Location(LONG child) const {
     EXPECT_EQ(accessible->accLocation(&left, &top, &width, &height, number), S_OK);
     accessible->Release();
     return {left, top, left + width, top + height};
-}
-
-// Keys go the way that a dialog sends them.
-void ControlHarness::Pump() {
-    for (int quiet = 0; quiet < 2; ++quiet) {
-        MSG message;
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-            quiet = 0;
-            if (IsDialogMessageW(m_frame, &message)) continue;
-            TranslateMessage(&message);
-            DispatchMessageW(&message);
-        }
-        Sleep(1);
-    }
-}
-
-void ControlHarness::Mouse(DWORD flags, DWORD data) {
-    INPUT input = {};
-    input.type = INPUT_MOUSE;
-    input.mi.dwFlags = flags;
-    input.mi.mouseData = data;
-    SendInput(1, &input, sizeof input);
-    Pump();
-}
-
-void ControlHarness::MoveTo(POINT screen) {
-    INPUT input = {};
-    input.type = INPUT_MOUSE;
-    input.mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
-    const auto normalized = [](LONG at, int length) { return static_cast<LONG>((at * 65536LL + 32768) / length); };
-    input.mi.dx = normalized(screen.x, GetSystemMetrics(SM_CXSCREEN));
-    input.mi.dy = normalized(screen.y, GetSystemMetrics(SM_CYSCREEN));
-    SendInput(1, &input, sizeof input);
-    Pump();
-}
-
-void ControlHarness::Click(POINT page, DWORD down, DWORD up) {
-    MoveTo(OnScreen(page));
-    MouseDown(down);
-    MouseUp(up);
-}
-
-void ControlHarness::DragFromTo(POINT from, POINT to) {
-    const POINT start = OnScreen(from), end = OnScreen(to);
-    DragPixels(start, end.x - start.x, end.y - start.y);
-}
-
-void ControlHarness::DragPixels(POINT from, int dx, int dy) {
-    MoveTo(from);
-    MouseDown();
-    MoveTo({from.x + dx / 2, from.y + dy / 2});
-    MoveTo({from.x + dx, from.y + dy});
-    MouseUp();
-}
-
-void ControlHarness::SendKey(WORD key, DWORD flags) {
-    INPUT input = {};
-    input.type = INPUT_KEYBOARD;
-    input.ki.wVk = key;
-    input.ki.dwFlags = flags;
-    SendInput(1, &input, sizeof input);
-    Pump();
-}
-
-// What the display server tells late of the pointer's last move would let go of the key.
-void ControlHarness::Hold(WORD key) {
-    for (int i = 0; i < 5; ++i) {
-        Sleep(10);
-        Pump();
-    }
-    SendKey(key, 0);
-}
-
-void ControlHarness::Key(WORD key, int times) {
-    for (int i = 0; i < times; ++i) {
-        SendKey(key, 0);
-        SendKey(key, KEYEVENTF_KEYUP);
-    }
-}
-
-void ControlHarness::KeyWith(WORD modifier, WORD key) {
-    Hold(modifier);
-    Key(key);
-    LetGo(modifier);
 }
 
 void ControlHarness::Resize(int width, int height) {

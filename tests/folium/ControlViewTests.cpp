@@ -196,6 +196,25 @@ TEST_F(ControlView, DraggingLeavesNoTraces) {
     EXPECT_EQ(control.Pixels(size), painted) << "the screen is as a full paint gives it";
 }
 
+TEST_F(ControlView, PrintsWhatItShows) {
+    control.SetUp();
+    control.Insert(MakeRect(300, 300, 600, 500));
+    SIZE size = {};
+    const auto painted = control.Pixels(size);
+    const HDC dc = CreateCompatibleDC(nullptr);
+    BITMAPINFO info = {};
+    info.bmiHeader = {sizeof info.bmiHeader, size.cx, -size.cy, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    uint32_t* bits = nullptr;
+    const HBITMAP bitmap = CreateDIBSection(dc, &info, DIB_RGB_COLORS, reinterpret_cast<void**>(&bits), nullptr, 0);
+    const HGDIOBJ before = SelectObject(dc, bitmap);
+    SendMessageW(control.Window(), WM_PRINTCLIENT, reinterpret_cast<WPARAM>(dc), PRF_CLIENT);
+    GdiFlush();
+    EXPECT_EQ(std::vector<uint32_t>(bits, bits + painted.size()), painted);
+    SelectObject(dc, before);
+    DeleteObject(bitmap);
+    DeleteDC(dc);
+}
+
 TEST_F(ControlView, TellsScreenReaders) {
     control.SetUp();
     control.Insert(MakeRect(300, 300, 600, 500));
