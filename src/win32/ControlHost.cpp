@@ -48,7 +48,16 @@ LRESULT CALLBACK HostProc(HWND host, UINT message, WPARAM wParam, LPARAM lParam,
 }  // namespace
 
 bool EnableControlHosting() noexcept {
-    static const bool enabled = AtlAxWinInit() != FALSE;
+    static const bool enabled = [] {
+        // The class outlives this module, and so does its code.
+        HMODULE container = nullptr;
+        GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN, L"atl.dll", &container);
+        if (AtlAxWinInit()) return true;
+        // Refused as well when the host, or this module when it was loaded before, has registered it.
+        WNDCLASSEXW known = {};
+        known.cbSize = sizeof known;
+        return GetClassInfoExW(container, kControlHostClass, &known) != FALSE;
+    }();
     return enabled;
 }
 

@@ -215,6 +215,10 @@ void ConfigDialog::Init() {
     m_init(node);
 }
 
+void ConfigDialog::UseInches() {
+    m_units->Dll().Export<decltype(HostSetMeasureSystem)>("HostSetMeasureSystem")(2);
+}
+
 void ConfigDialog::UsePages(const std::vector<std::wstring>& files) {
     std::vector<const wchar_t*> names;
     for (const auto& file : files) names.push_back(file.c_str());

@@ -92,6 +92,7 @@ protected:
 
     // Hands the settings over; they have the set 5 "Invoice" with three areas, and the set 9 "Empty".
     void Init();
+    void UseInches();
     void UsePages(const std::vector<std::wstring>& files);
 
     BOOL OpenPage(std::vector<SAIndexField>& fields, const wchar_t* name = L"Page", int document = 0, int page = 0);
