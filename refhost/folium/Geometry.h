@@ -46,6 +46,10 @@ inline Rect Shifted(const Rect& rect, int64_t dx, int64_t dy) {
     return {Saturate(rect.left + dx), Saturate(rect.top + dy), Saturate(rect.right + dx), Saturate(rect.bottom + dy)};
 }
 
+inline Rect Union(const Rect& a, const Rect& b) {
+    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right), std::max(a.bottom, b.bottom)};
+}
+
 inline int64_t WidthOf(const Rect& rect) {
     return int64_t{rect.right} - rect.left;
 }

@@ -103,10 +103,7 @@ void RectEditor::DragMove(Point position, bool snap) {
     int64_t dx = int64_t{position.x} - m_start.x;
     int64_t dy = int64_t{position.y} - m_start.y;
     Rect all = m_drafts.front().before;
-    for (const Draft& draft : m_drafts) {
-        all = {std::min(all.left, draft.before.left), std::min(all.top, draft.before.top),
-               std::max(all.right, draft.before.right), std::max(all.bottom, draft.before.bottom)};
-    }
+    for (const Draft& draft : m_drafts) all = Union(all, draft.before);
     if (snap) {
         dx += SnapShift(m_lines.x, {all.left + dx, all.right + dx}, m_reach.snap);
         dy += SnapShift(m_lines.y, {all.top + dy, all.bottom + dy}, m_reach.snap);

@@ -58,9 +58,16 @@ void RectEditor::Nudge(int32_t dx, int32_t dy, bool size, bool held) {
     if (Busy()) return;
     std::vector<Item> items;
     for (const int32_t id : m_model.Selection()) {
-        const Rect* rect = m_model.Find(id);
-        if (rect == nullptr) continue;
-        items.push_back({id, size ? NudgedEdges(*rect, dx, dy, m_page) : NudgedWhole(*rect, dx, dy, m_page)});
+        if (const Rect* rect = m_model.Find(id)) items.push_back({id, *rect});
+    }
+    if (items.empty()) return;
+    // Several stay as they are to each other, also at the page's edge.
+    Rect all = items.front().rect;
+    for (const Item& item : items) all = Union(all, item.rect);
+    const Rect moved = NudgedWhole(all, dx, dy, m_page);
+    for (Item& item : items) {
+        item.rect = size ? NudgedEdges(item.rect, dx, dy, m_page)
+                         : Shifted(item.rect, int64_t{moved.left} - all.left, int64_t{moved.top} - all.top);
     }
     m_model.Move(items, held);
 }

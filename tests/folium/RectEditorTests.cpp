@@ -212,6 +212,9 @@ TEST_F(RectEditorTest, ModesLimitWhatIsDone) {
     EXPECT_EQ(At(1), (Rect{50, 150, 250, 350}));
     EXPECT_EQ(At(3), (Rect{650, 150, 850, 350}));
     EXPECT_EQ(model.Selection().size(), 3u);
+    editor.Nudge(-70, 0, false, false);
+    EXPECT_EQ(At(3), (Rect{600, 150, 800, 350})) << "all stop with the first one at the edge";
+    editor.Nudge(50, 0, false, false);
     editor.Press({400, 200}, {.shift = true}, reach);
     editor.Release();
     EXPECT_EQ(model.Selection(), (std::vector<int32_t>{1, 3}));
