@@ -183,6 +183,7 @@ ConfigDialog::~ConfigDialog() {
 }
 
 void ConfigDialog::SetUp() {
+    MouseTo({0, 0});
     m_owner = CreateWindowExW(0, L"STATIC", L"owner", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
     m_tree->booleans[L"RadioPageSource"] = false;
     m_tree->AddSet(L"0x00000005", L"Invoice", 0,
@@ -252,6 +253,9 @@ std::vector<RECT> ConfigDialog::StoredRects(DWORD id) {
     std::vector<RECT> rects(info.nAreas);
     EXPECT_TRUE(m_module->Export<decltype(::SAGetAreaRects)>("SAGetAreaRects")(id, rects.data()));
     return rects;
+}
+FakeTree& ConfigDialog::WorkingRoot() {
+    return *g_working;
 }
 FakeTree& ConfigDialog::WorkingSet(const wchar_t* key) {
     return *g_working->Child(key);

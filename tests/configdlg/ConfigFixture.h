@@ -101,7 +101,8 @@ protected:
     void KeepPages();
     BOOL PlaySet(DWORD id, Steps steps);
     std::vector<RECT> StoredRects(DWORD id);
-    // What the working settings hold of a set.
+    // The working settings, and what they hold of a set.
+    FakeTree& WorkingRoot();
     FakeTree& WorkingSet(const wchar_t* key);
 
     std::vector<Trace> TakeTraces() { return std::exchange(m_traces, {}); }

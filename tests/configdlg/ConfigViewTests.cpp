@@ -1,0 +1,197 @@
+// "Configure Area Set": pages and documents, zoom and smoothing, and the view that is remembered.
+#include "configdlg/ConfigFixture.h"
+
+#include <commctrl.h>
+
+namespace {
+
+using namespace test;
+
+const std::wstring kLetter = std::wstring(SAMPLES_DIR) + L"/letter.tif";
+const std::wstring kFax = std::wstring(SAMPLES_DIR) + L"/fax-pages.tif";
+constexpr UINT kButtons[] = {IDC_CONFIG_PREV_PAGE, IDC_CONFIG_NEXT_PAGE, IDC_CONFIG_PREV_DOC, IDC_CONFIG_NEXT_DOC};
+
+// Which ways are open: "PNpn", upper case for pages, lower case for documents, "-" for a closed one.
+std::string Ways(HWND dialog) {
+    std::string ways;
+    for (int i = 0; i < 4; ++i) ways += Enabled(dialog, kButtons[i]) ? "PNpn"[i] : '-';
+    return ways;
+}
+
+void ExpectAreas(HWND dialog) {
+    ASSERT_EQ(RowCount(dialog), 3);
+    EXPECT_EQ(RectOfRow(dialog, 0), (RECT{100, 200, 300, 400}));
+    EXPECT_EQ(RectOfRow(dialog, 1), (RECT{500, 600, 900, 1000}));
+    EXPECT_EQ(RectOfRow(dialog, 2), (RECT{1200, 1500, 1800, 2200}));
+}
+
+// The popup menu that is open.
+HMENU OpenMenu() {
+    const HWND window = FindWindowW(L"#32768", nullptr);
+    return window != nullptr ? reinterpret_cast<HMENU>(SendMessageW(window, 0x01E1 /* MN_GETHMENU */, 0, 0)) : nullptr;
+}
+std::string CheckedCommands(HMENU menu) {
+    std::string text;
+    for (UINT command = ID_SMOOTH_IMAGES; command <= ID_SCALE_LAST; ++command) {
+        if (GetMenuState(menu, command, MF_BYCOMMAND) & MF_CHECKED) text += std::to_string(command) + " ";
+    }
+    return text;
+}
+void Command(HWND dialog, UINT command) {
+    SendMessageW(dialog, WM_COMMAND, command, 0);
+}
+
+class ConfigView : public ConfigDialog {
+protected:
+    void UseScannedPages() {
+        m_tree->booleans[L"RadioPageSource"] = true;
+        Init();
+    }
+};
+
+TEST_F(ConfigView, WalkingThreeDocumentsKeepsTheAreas) {
+    UseScannedPages();
+    UsePages({kLetter, kFax, kLetter});
+    KeepPages();
+    std::wstring letter, fax;
+    const auto push = [](UINT id) { return [=](HWND dialog) { Push(dialog, id); }; };
+    const auto expect = [&](const char* ways, std::wstring& size) {
+        return [ways, &size](HWND dialog) {
+            EXPECT_EQ(Ways(dialog), ways);
+            const std::wstring shown = TextOf(dialog, IDC_CONFIG_SIZE);
+            if (size.empty()) size = shown;
+            EXPECT_EQ(shown, size);
+            ExpectAreas(dialog);
+            // Keys still go somewhere when the button that was pressed is disabled now.
+            EXPECT_TRUE(IsWindowEnabled(GetFocus()) && (GetFocus() == dialog || IsChild(dialog, GetFocus())));
+        };
+    };
+    EXPECT_TRUE(PlaySet(5, {expect("---n", letter),
+                            [](HWND dialog) {
+                                SetFocus(GetDlgItem(dialog, IDC_CONFIG_NEXT_DOC));
+                                PressKey(VK_SPACE);
+                            },
+                            expect("-Npn", fax), push(IDC_CONFIG_NEXT_PAGE),
+                            [](HWND dialog) {
+                                EXPECT_TRUE(Enabled(dialog, IDC_CONFIG_PREV_PAGE));
+                                EXPECT_EQ(TextOf(dialog, IDC_CONFIG_POSITION), L"0, 0");
+                                ExpectAreas(dialog);
+                            },
+                            push(IDC_CONFIG_PREV_PAGE), expect("-Npn", fax), push(IDC_CONFIG_NEXT_PAGE),
+                            // The letter has fewer pages: its first one.
+                            [](HWND dialog) { ClickOn(GetDlgItem(dialog, IDC_CONFIG_NEXT_DOC)); }, [](HWND) {},
+                            expect("--p-", letter), push(IDC_CONFIG_PREV_DOC), expect("-Npn", fax), PressOk}));
+    EXPECT_NE(letter, fax);
+    EXPECT_EQ(StoredRects(5).size(), 3u);
+    EXPECT_GT(WorkingSet(L"0x00000005").Child(L"DisplayRect")->integers[L"Position:right"], 0);
+}
+
+TEST_F(ConfigView, APageThatIsGoneIsTracedAndTheViewStays) {
+    wchar_t folder[MAX_PATH];
+    GetTempPathW(MAX_PATH, folder);
+    const std::wstring gone = std::wstring(folder) + L"config-gone.tif";
+    ASSERT_TRUE(CopyFileW(kLetter.c_str(), gone.c_str(), FALSE));
+    UseScannedPages();
+    UsePages({kFax, gone});
+    KeepPages();
+    std::wstring size;
+    EXPECT_TRUE(PlaySet(
+        5, {[&](HWND dialog) {
+                size = TextOf(dialog, IDC_CONFIG_SIZE);
+                DeleteFileW(gone.c_str());
+                Push(dialog, IDC_CONFIG_NEXT_DOC);
+            },
+            [&](HWND dialog) {
+                const std::wstring traces = TakeTraceTexts();
+                EXPECT_TRUE(traces.ends_with(L"6 CSASetConfigDlg::OnNextDoc: page from Quire was not obtained.\n"))
+                    << traces;
+                EXPECT_EQ(TextOf(dialog, IDC_CONFIG_SIZE), size);
+                EXPECT_EQ(Ways(dialog), "-N-n");
+                ExpectAreas(dialog);
+                Push(dialog, IDC_CONFIG_PREV_DOC);
+            },
+            [](HWND dialog) { EXPECT_EQ(Ways(dialog), "-N-n"); }, PressCancel}));
+}
+
+TEST_F(ConfigView, WithoutScannedPagesABlankOneOfThePaperSize) {
+    m_tree->integers[L"RealWidth"] = 2159;
+    m_tree->integers[L"RealHeight"] = 2794;
+    UseScannedPages();
+    std::vector<SAIndexField> fields = {Field(L"Total")};
+    UsePages({});
+    EXPECT_TRUE(PlayPage(fields, {[](HWND dialog) {
+                                      EXPECT_EQ(TextOf(dialog, IDC_CONFIG_SIZE), L"215.9, 279.4");
+                                      EXPECT_EQ(Ways(dialog), "----");
+                                  },
+                                  PressCancel}));
+    TakeTraceTexts();
+}
+
+TEST_F(ConfigView, ZoomSmoothingAndColumnWidthsAreRemembered) {
+    KeepPages();
+    int width = 0;
+    const auto columnWidth = [](HWND dialog) {
+        return static_cast<int>(SendMessageW(ListOf(dialog), LVM_GETCOLUMNWIDTH, 1, 0));
+    };
+    Steps steps = {[](HWND dialog) {
+                       EXPECT_TRUE(DisplayOptions(dialog).smooth);
+                       Command(dialog, 27791);
+                       MouseTo(OnPage(dialog, 500, 500));
+                   },
+                   [](HWND) {},
+                   [](HWND) {
+                       MouseButton(MOUSEEVENTF_RIGHTDOWN);
+                       MouseButton(MOUSEEVENTF_RIGHTUP);
+                   },
+                   [](HWND) {},
+                   [](HWND dialog) {
+                       ASSERT_NE(OpenMenu(), nullptr);
+                       EXPECT_EQ(CheckedCommands(OpenMenu()), "27785 27791 ");
+                       Screenshot(dialog, L"config-menu");
+                       PressKey(VK_UP);
+                   },
+                   [](HWND) { PressKey(VK_RETURN); },
+                   [](HWND) {},
+                   [&](HWND dialog) {
+                       EXPECT_FALSE(DisplayOptions(dialog).smooth);
+                       SendMessageW(ListOf(dialog), LVM_SETCOLUMNWIDTH, 1, 55);
+                       width = columnWidth(dialog);
+                   },
+                   PressCancel};
+    EXPECT_TRUE(PlaySet(5, steps));
+    EXPECT_TRUE(PlaySet(5, {[&](HWND dialog) {
+                                EXPECT_FALSE(DisplayOptions(dialog).smooth);
+                                EXPECT_NEAR(columnWidth(dialog), width, 1);
+                                MouseTo(OnPage(dialog, 400, 400));
+                            },
+                            [](HWND) {},
+                            [](HWND) {
+                                MouseButton(MOUSEEVENTF_RIGHTDOWN);
+                                MouseButton(MOUSEEVENTF_RIGHTUP);
+                            },
+                            [](HWND) {},
+                            [](HWND) {
+                                EXPECT_EQ(CheckedCommands(OpenMenu()), "27791 ");
+                                PressKey(VK_ESCAPE);
+                            },
+                            [](HWND) {}, PressCancel}));
+}
+
+TEST_F(ConfigView, AStoredViewThatMakesNoSenseIsLeftAside) {
+    for (const int64_t scale : {int64_t{-1}, int64_t{0}, int64_t{27785}, int64_t{27796}, int64_t{1} << 40}) {
+        m_tree->integers[L"LastScale"] = scale;
+        m_tree->strings[L"ColumnsWidth"] = L"[%]-7,,x";
+        Init();
+        KeepPages();
+        EXPECT_TRUE(PlaySet(5, {[](HWND dialog) {
+                                    ExpectAreas(dialog);
+                                    EXPECT_TRUE(DisplayOptions(dialog).smooth);
+                                },
+                                PressOk}));
+        EXPECT_EQ(WorkingRoot().integers[L"LastScale"], 27793) << scale;
+        EXPECT_TRUE(WorkingRoot().strings[L"ColumnsWidth"].starts_with(L"[%]"));
+        EXPECT_TRUE(WorkingRoot().booleans[L"LastGrey"]);
+    }
+}
+
+}  // namespace
