@@ -54,7 +54,7 @@ FoliumWindow::Result FoliumWindow::HandleKeys(UINT message, WPARAM wParam, LPARA
             return 0;
         case WM_SYSKEYDOWN:
         case WM_SYSKEYUP:
-            // Alt suspends snapping; it must not open the menu of the window around in the middle of a drag.
+            // Alt suspends snapping; the window around must not open its menu for that.
             if (wParam != VK_MENU || !m_display.editor.Pressed()) return std::nullopt;
             return 0;
         default:

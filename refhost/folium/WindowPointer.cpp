@@ -49,7 +49,8 @@ FoliumWindow::Result FoliumWindow::HandleButtons(UINT message, int x, int y) {
         case WM_LBUTTONDOWN:
         case WM_LBUTTONDBLCLK:
             PressLeft(x, y);
-            return 0;
+            // By default it also makes the system forget that Alt was pressed before.
+            return std::nullopt;
         case WM_LBUTTONUP:
             ReleaseLeft();
             return 0;

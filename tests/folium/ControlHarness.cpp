@@ -134,6 +134,10 @@ void ControlHarness::DestroyWindows() {
 LRESULT CALLBACK ControlHarness::FrameProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     auto* self = reinterpret_cast<ControlHarness*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (self != nullptr && message == WM_COMMAND && HIWORD(wParam) == 0) self->m_commands.push_back(LOWORD(wParam));
+    if (self != nullptr && message == WM_SYSCOMMAND && (wParam & 0xFFF0) == SC_KEYMENU) {
+        self->m_commands.push_back(SC_KEYMENU);
+        return 0;
+    }
     return DefWindowProcW(window, message, wParam, lParam);
 }
 

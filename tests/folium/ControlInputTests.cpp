@@ -243,6 +243,21 @@ TEST_F(ControlInput, SnapsToEdgesUnlessAlt) {
     EXPECT_NE(control.At(3).right, 700);
 }
 
+TEST_F(ControlInput, AltWithThePointerOpensNoMenu) {
+    control.MoveTo(control.OnScreen({400, 400}));
+    control.Hold(VK_MENU);
+    control.MouseDown();
+    control.MouseUp();
+    control.LetGo(VK_MENU);
+    control.MouseDown();
+    control.Hold(VK_MENU);
+    control.LetGo(VK_MENU);
+    control.MouseUp();
+    EXPECT_TRUE(control.Commands().empty());
+    control.Key(VK_MENU);
+    EXPECT_EQ(control.Commands(), std::vector<int>{SC_KEYMENU}) << "alone it is the window's";
+}
+
 TEST_F(ControlInput, MenuIsAskedForByPointerAndKeys) {
     control.Insert(MakeRect(300, 300, 600, 500));
     control.Click({450, 400}, MOUSEEVENTF_RIGHTDOWN, MOUSEEVENTF_RIGHTUP);
