@@ -28,9 +28,11 @@ TEST_F(ConfigEdit, AnAddedAreaIsTheMiddleOfThePageAndIsHandedBack) {
                        EXPECT_EQ(SelectedRow(dialog), 0);
                        EXPECT_TRUE(Enabled(dialog, IDC_CONFIG_REMOVE));
                    }};
-    EditCell(steps, 0, 4, L"T");
+    ChooseField(steps, 0, VK_DOWN);
     steps.push_back([](HWND dialog) {
         EXPECT_EQ(CellText(dialog, 0, 4), L"Total");
+        listtable::Cell cell = {};
+        EXPECT_FALSE(SendMessageW(ListOf(dialog), listtable::kGetEditedCell, 0, reinterpret_cast<LPARAM>(&cell)));
         Screenshot(dialog, L"config-fields");
     });
     steps.push_back(PressOk);
@@ -166,7 +168,7 @@ TEST_F(ConfigEdit, AnIndexingFieldStandsOnOneRowAndUndoBringsItBack) {
             EXPECT_FALSE(IsWindowVisible(GetDlgItem(dialog, static_cast<int>(id))));
         }
     }};
-    EditCell(steps, 1, 4, L"T");
+    ChooseField(steps, 1, VK_UP);
     steps.push_back([](HWND dialog) {
         EXPECT_EQ(RowText(dialog, 0), L"10.0 20.0 20.0 20.0");
         EXPECT_EQ(RowText(dialog, 1), L"50.0 60.0 40.0 40.0 Total");

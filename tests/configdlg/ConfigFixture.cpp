@@ -116,13 +116,27 @@ FoliumDisplayOptions DisplayOptions(HWND dialog) {
     return options;
 }
 
-void EditCell(Steps& steps, int row, int column, const std::wstring& text) {
-    steps.push_back([=](HWND dialog) {
+namespace {
+
+Steps StartEditing(int row, int column) {
+    return {[=](HWND dialog) {
         SetFocus(ListOf(dialog));
         EXPECT_TRUE(SendMessageW(ListOf(dialog), listtable::kEditCell, static_cast<WPARAM>(row), column));
-    });
-    steps.push_back([=](HWND) { TypeText(text); });
-    steps.push_back([](HWND) { PressKey(VK_RETURN); });
+    }};
+}
+void Append(Steps& steps, const Steps& more) {
+    steps.insert(steps.end(), more.begin(), more.end());
+}
+
+}  // namespace
+
+void EditCell(Steps& steps, int row, int column, const std::wstring& text) {
+    Append(steps, StartEditing(row, column));
+    Append(steps, {[=](HWND) { TypeText(text); }, [](HWND) { PressKey(VK_RETURN); }});
+}
+void ChooseField(Steps& steps, int row, WORD key) {
+    Append(steps, StartEditing(row, 4));
+    Append(steps, {[=](HWND) { PressKey(key); }, [](HWND) { PressKey(VK_RETURN); }});
 }
 void MouseTo(POINT screen) {
     SetCursorPos(screen.x, screen.y);

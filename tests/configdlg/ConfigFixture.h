@@ -71,6 +71,8 @@ FoliumDisplayOptions DisplayOptions(HWND dialog);
 
 // Steps that edit a cell with real keys.
 void EditCell(Steps& steps, int row, int column, const std::wstring& text);
+// Chooses the field before (VK_UP) or after (VK_DOWN) the one that the row has.
+void ChooseField(Steps& steps, int row, WORD key);
 void MouseTo(POINT screen);
 void MouseButton(DWORD flag);
 // A place in the page's window, in thousandths of its size.
