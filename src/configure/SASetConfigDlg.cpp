@@ -1,6 +1,8 @@
 // "Configure Area Set": set-up of the dialog, and OK.
 #include "configure/SASetConfigDlg.h"
 
+#include <algorithm>
+
 #include "configure/ConfigSupport.h"
 #include "manage/PageSettings.h"
 #include "resource.h"
@@ -104,33 +106,40 @@ bool CSASetConfigDlg::OnInitDialog() {
     return true;
 }
 
-// On a monitor too low for the dialog, the page frame gives up height, so that the list and the buttons are in reach.
+// On a monitor too low for the dialog, the page frame gives up height, so that the list and the buttons are in reach;
+// when the list would come to lie over the choice beside the page, the list gives up some too.
 void CSASetConfigDlg::FitToMonitor() {
     const HWND dialog = GetSafeHwnd();
     MONITORINFO monitor = {};
     monitor.cbSize = sizeof monitor;
-    RECT window;
-    RECT frame;
     if (!GetMonitorInfoW(MonitorFromWindow(dialog, MONITOR_DEFAULTTONEAREST), &monitor)) return;
-    GetWindowRect(dialog, &window);
-    GetWindowRect(GetDlgItem(IDC_CONFIG_FRAME), &frame);
-    const int available = monitor.rcWork.bottom - monitor.rcWork.top;
-    const int excess =
-        std::min<int>(window.bottom - window.top - available, frame.bottom - frame.top - kSmallestPageFrame);
+    const auto place = [](HWND control) {
+        RECT rect = {};
+        GetWindowRect(control, &rect);
+        return rect;
+    };
+    const RECT window = place(dialog);
+    const RECT frame = place(GetDlgItem(IDC_CONFIG_FRAME));
+    const RECT list = place(GetDlgItem(IDC_CONFIG_LIST));
+    const LONG excess = window.bottom - window.top - (monitor.rcWork.bottom - monitor.rcWork.top);
     if (excess <= 0) return;
+    const LONG room = place(GetDlgItem(IDC_CONFIG_LIST_LABEL)).top - place(GetDlgItem(IDC_CONFIG_AREAS_ARE)).bottom;
+    const int fromPage = std::max<LONG>(0, std::min({excess, room, frame.bottom - frame.top - kSmallestPageFrame}));
+    const int fromList = std::min<LONG>(excess - fromPage, (list.bottom - list.top) / 2);
 
     for (HWND child = GetWindow(dialog, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
-        RECT rect;
-        GetWindowRect(child, &rect);
         const int id = GetDlgCtrlID(child);
+        const LONG top = place(child).top;
         if (id == IDC_CONFIG_FRAME || id == IDC_CONFIG_PAGE) {
-            Shift(dialog, child, 0, excess);
-        } else if (rect.top >= frame.bottom) {
-            Shift(dialog, child, excess, 0);
+            Shift(dialog, child, 0, fromPage);
+        } else if (id == IDC_CONFIG_LIST) {
+            Shift(dialog, child, fromPage, fromList);
+        } else if (top >= frame.bottom) {
+            Shift(dialog, child, top >= list.bottom ? fromPage + fromList : fromPage, 0);
         }
     }
     SetWindowPos(dialog, nullptr, window.left, window.top, window.right - window.left,
-                 window.bottom - window.top - excess, SWP_NOZORDER | SWP_NOACTIVATE);
+                 window.bottom - window.top - fromPage - fromList, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void CSASetConfigDlg::InitializeListControl() {

@@ -41,6 +41,24 @@ void Command(HWND dialog, UINT command) {
     SendMessageW(dialog, WM_COMMAND, command, 0);
 }
 
+// At every scaling of the screen, on every height of it.
+void ExpectNothingCovered(HWND dialog) {
+    constexpr UINT kParts[] = {IDC_CONFIG_FRAME,      IDC_CONFIG_NEXT_PAGE,  IDC_CONFIG_ADD,   IDC_CONFIG_AREAS_ARE,
+                               IDC_CONFIG_SIZE_LABEL, IDC_CONFIG_LIST_LABEL, IDC_CONFIG_LIST,  IDOK,
+                               IDC_CONFIG_SIZE,       IDC_CONFIG_POSITION,   IDC_CONFIG_REMOVE};
+    RECT window;
+    GetWindowRect(dialog, &window);
+    for (const UINT one : kParts) {
+        RECT rect, other, both;
+        GetWindowRect(GetDlgItem(dialog, static_cast<int>(one)), &rect);
+        EXPECT_LE(rect.bottom, window.bottom) << one;
+        for (const UINT another : kParts) {
+            GetWindowRect(GetDlgItem(dialog, static_cast<int>(another)), &other);
+            EXPECT_FALSE(one < another && IntersectRect(&both, &rect, &other)) << one << " and " << another;
+        }
+    }
+}
+
 class ConfigView : public ConfigDialog {
 protected:
     void UseScannedPages() {
@@ -134,6 +152,7 @@ TEST_F(ConfigView, ZoomSmoothingAndColumnWidthsAreRemembered) {
         return static_cast<int>(SendMessageW(ListOf(dialog), LVM_GETCOLUMNWIDTH, 1, 0));
     };
     Steps steps = {[](HWND dialog) {
+                       ExpectNothingCovered(dialog);
                        EXPECT_TRUE(DisplayOptions(dialog).smooth);
                        Command(dialog, 27791);
                        MouseTo(OnPage(dialog, 500, 500));
