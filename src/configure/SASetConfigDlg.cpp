@@ -107,7 +107,8 @@ bool CSASetConfigDlg::OnInitDialog() {
 }
 
 // On a monitor too low for the dialog, the page frame gives up height, so that the list and the buttons are in reach;
-// when the list would come to lie over the choice beside the page, the list gives up some too.
+// when the list would come to lie over the choice beside the page, the list gives up some first. The buttons matter
+// most.
 void CSASetConfigDlg::FitToMonitor() {
     const HWND dialog = GetSafeHwnd();
     MONITORINFO monitor = {};
@@ -124,8 +125,10 @@ void CSASetConfigDlg::FitToMonitor() {
     const LONG excess = window.bottom - window.top - (monitor.rcWork.bottom - monitor.rcWork.top);
     if (excess <= 0) return;
     const LONG room = place(GetDlgItem(IDC_CONFIG_LIST_LABEL)).top - place(GetDlgItem(IDC_CONFIG_AREAS_ARE)).bottom;
-    const int fromPage = std::max<LONG>(0, std::min({excess, room, frame.bottom - frame.top - kSmallestPageFrame}));
-    const int fromList = std::min<LONG>(excess - fromPage, (list.bottom - list.top) / 2);
+    const LONG most = std::max<LONG>(0, frame.bottom - frame.top - kSmallestPageFrame);
+    int fromPage = std::clamp(std::min(excess, room), LONG{0}, most);
+    const int fromList = std::min<LONG>(excess - fromPage, (list.bottom - list.top) * 2 / 3);
+    fromPage = std::min<LONG>(excess - fromList, most);
 
     for (HWND child = GetWindow(dialog, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
         const int id = GetDlgCtrlID(child);

@@ -43,7 +43,7 @@ void Command(HWND dialog, UINT command) {
 
 // At every scaling of the screen, on every height of it.
 void ExpectNothingCovered(HWND dialog) {
-    constexpr UINT kParts[] = {IDC_CONFIG_FRAME,      IDC_CONFIG_NEXT_PAGE,  IDC_CONFIG_ADD,   IDC_CONFIG_AREAS_ARE,
+    constexpr UINT kParts[] = {IDC_CONFIG_FRAME,      IDC_CONFIG_NEXT_PAGE,  IDC_CONFIG_ADD,   IDC_CONFIG_IGNORED,
                                IDC_CONFIG_SIZE_LABEL, IDC_CONFIG_LIST_LABEL, IDC_CONFIG_LIST,  IDOK,
                                IDC_CONFIG_SIZE,       IDC_CONFIG_POSITION,   IDC_CONFIG_REMOVE};
     RECT window;
