@@ -9,14 +9,17 @@
  *           CreateAreaSetImage.
  * Errors    No exception leaves an export. Every failure is traced through the host support library; results are plain
  *           values as told below.
+ * Life      The module holds COM objects of the host until it is unloaded (a settings node of its class, its own node,
+ *           the document stack): call FreeLibrary before CoUninitialize.
  *
  * Each function can be had by name and by the ordinal given with it (ordinal 7 is unassigned).
  *
  *     CoInitializeEx(NULL, COINIT_APARTMENTTHREADED);
  *     SAInit(settingsNode);
+ *     DWORD id;
+ *     SAAreaInfo info;
  *     for (int i = 0; SAMapIndex2ID(i, &id); ++i)
- *         if (SAGetAreaInfo(id, &info)) wprintf(L"%ls: %u areas\n", info.szName, info.nAreas);
- *     SAInit(NULL);
+ *         if (SAGetAreaInfo(id, &info)) wprintf(L"%ls: %lu areas\n", info.szName, info.nAreas);
  */
 #ifndef ZONWICK_ZONWICK_H
 #define ZONWICK_ZONWICK_H
@@ -29,6 +32,7 @@ extern "C" {
 #endif
 
 struct IUnknown;
+struct IQuire;      /* the host's document stack, see src/host/DocumentStack.h */
 struct IConfigHost; /* the host's configuration object, see src/host/ConfigObjects.h */
 
 /* Flag of an area set: its areas are the parts of the page to leave out. Clear: they are the parts to keep. */
@@ -60,10 +64,31 @@ typedef struct SAIndexField {
  * pHost  any interface of the node, or null to let go of it. The module adds its own reference and works on a copy. An
  *        object without the settings node interface counts as null. With null the sets in memory stay as they are.
  *
- * Call it once after loading the DLL, again whenever the node was changed by others, and with null before COM is
- * uninitialised. When the node cannot be read, that is traced and the next query fails.
+ * Call it once after loading the DLL, and again whenever the node was changed by others. When the host's node cannot be
+ * copied, that is traced, the sets are forgotten and the next query fails. When only some sets can be read, that is
+ * traced ("CAreaSetManager::LoadSettings failed") and queries serve the sets before that place. While a dialog is open
+ * the call is traced and changes nothing.
  */
 void WINAPI SAInit(struct IUnknown* pHost);
+
+/*
+ * SAConfigure (ordinal 1) - opens "Manage Area Sets", modally over hParent.
+ *
+ * hParent         a window of the calling thread; may be null.
+ * stack           the document stack whose pages the dialogs show from now on; the module adds its own reference. Null
+ *                 gives 0 and nothing else.
+ * document, page  where page display starts; negative values count as 0.
+ *
+ * OK stores all sets and writes them into the host's node (SAInit); when that fails the user is told and the dialog
+ * stays open. Cancel reads the host's node again and drops every change made while the dialog was open; when that
+ * fails, the user is told and the sets cannot be read until the next SAInit. Without a host's node the changes stay in
+ * memory either way.
+ *
+ * Returns 1 when the dialog ran, whatever came of it, also when the system could not make its window. 0 when the sets
+ * cannot be loaded or the dialog failed while it opened: then a message box told the user. Called while its dialog is
+ * open it gives 0 and a trace.
+ */
+BOOL WINAPI SAConfigure(HWND hParent, struct IQuire* stack, int document, int page);
 
 /*
  * SAConfigureSet (ordinal 2) - opens "Configure Area Set" for a stored set, modally over hParent.
@@ -140,7 +165,7 @@ BOOL WINAPI ConfigurePage(HWND hParent, LPCWSTR name, SAIndexField* fields, int 
 /*
  * CreateAreaSetImage (ordinal 11) - masks a page image by the area set of a name.
  *
- * image    a handle of the host imaging library; stays the caller's.
+ * image    a handle of the host imaging library, passed on as it is; stays the caller's.
  * name     name of the set, compared unit by unit; the first set of that name counts. Names of 64 units or more cannot
  *          be found.
  * block    receives the masked image, in the form that the imaging library gives (the reference host: a BMP file in

@@ -8,7 +8,7 @@ bool CFolium::Create(const wchar_t* windowName, DWORD style, const RECT& rect, H
 IFoliumPtr CFolium::GetFolium() const {
     IFolium* folium = nullptr;
     const auto control = win32::GetControlUnknown(GetSafeHwnd());
-    if (control == nullptr) return nullptr;
+    if (!control) return nullptr;
     const HRESULT status = control->QueryInterface(__uuidof(IFolium), reinterpret_cast<void**>(&folium));
     return FAILED(status) ? nullptr : IFoliumPtr(folium, false);
 }

@@ -172,7 +172,7 @@ void CSASetConfigDlg::InitializeListControl() {
 
 bool CSASetConfigDlg::InitializePageControl() {
     m_pFolium = m_foliumCtrl.GetFolium();
-    if (m_pFolium == nullptr) {
+    if (!m_pFolium) {
         trace::TraceText(trace::kDiagnostic, kSource, __LINE__,
                          L"CSASetConfigDlg::InitializePageControl: QueryInterface to Folium failed.");
         return false;
@@ -263,7 +263,7 @@ LRESULT CSASetConfigDlg::OnHelpInfo(WPARAM, LPARAM) {
 // Everything is read before anything is changed: a rectangle that cannot be had leaves the set as it was.
 void CSASetConfigDlg::OnOK() {
     m_list.EndEdit(true);
-    if (m_pFolium == nullptr || m_pPage == nullptr) {
+    if (!m_pFolium || !m_pPage) {
         OnCancel();
         return;
     }

@@ -86,7 +86,7 @@ void CSASetConfigDlg::OnRectSelected(LONG id) {
 }
 
 void CSASetConfigDlg::OnAdd() {
-    const SIZE size = m_pPage != nullptr ? GetPageSize() : SIZE{};
+    const SIZE size = m_pPage ? GetPageSize() : SIZE{};
     const PageRect rect = rectlist::GetMiddleHalf(size.cx, size.cy);
     const FoliumRect bounds = ToFolium(rect);
     LONG id = 0;

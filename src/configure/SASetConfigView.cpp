@@ -82,7 +82,7 @@ SIZE CSASetConfigDlg::GetPageSize() const {
 }
 
 void CSASetConfigDlg::SetPage(const IPageImagePtr& page) {
-    if (page == nullptr) return;
+    if (!page) return;
     LONGLONG unused = 0;
     m_pFolium->ShowPage(page, &unused);
     m_pPage = page;
@@ -149,7 +149,7 @@ void CSASetConfigDlg::OnContextMenuRequested(LONG, LONG x, LONG y) {
 
 void CSASetConfigDlg::OnScale(UINT command) {
     const auto setting = rectlist::GetZoom(command);
-    if (!setting || m_pFolium == nullptr) return;
+    if (!setting || !m_pFolium) return;
     m_nScaleCmd = command;
     const FoliumZoom zoom = {static_cast<int32_t>(setting->mode), setting->percent};
     m_pFolium->SetZoom(&zoom);
@@ -157,7 +157,7 @@ void CSASetConfigDlg::OnScale(UINT command) {
 }
 
 void CSASetConfigDlg::OnSmoothImages() {
-    if (m_pFolium == nullptr) return;
+    if (!m_pFolium) return;
     m_bSmooth = !m_bSmooth;
     FoliumDisplayOptions options = {};
     m_pFolium->GetDisplayOptions(&options);

@@ -40,7 +40,7 @@ bool RunDialog(CSASetConfigDlg& dialog, HWND hParent, INT_PTR& result) {
 }
 
 BOOL ConfigureSet(HWND hParent, DWORD dwID) {
-    if (GetApp().GetQuire() == nullptr) return FALSE;
+    if (!GetApp().GetQuire()) return FALSE;
     const exports::DialogScope scope(g_configuringSet, L"SAConfigureSet");
     if (scope.Refused()) return FALSE;
     const win32::ResourceScope resources;

@@ -1,5 +1,3 @@
-#include <exception>
-
 #include "module/ZonwickApp.h"
 
 // The static objects are constructed before this runs and destroyed after it: manager first, module object second, and
@@ -7,11 +5,10 @@
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID processEnds) {
     if (reason == DLL_PROCESS_DETACH && processEnds != nullptr) GetApp().Abandon();
     if (reason != DLL_PROCESS_ATTACH) return TRUE;
-    DisableThreadLibraryCalls(instance);
     try {
         GetApp().InitInstance(instance);
         return TRUE;
-    } catch (const std::exception&) {
+    } catch (...) {
         return FALSE;  // no memory for a few strings
     }
 }

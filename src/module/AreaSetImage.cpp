@@ -72,7 +72,7 @@ HostImagePtr MakeMaskedImage(void* image, LPCWSTR name) {
     const MaskPtr mask = MakeMask(name);
     if (mask == nullptr) return nullptr;
     void* masked = nullptr;
-    if (HostCreateMaskedImage(image, &masked, mask.get(), kMaskConstant) != kHostSuccess) {
+    if (HostCreateMaskedImage(image, &masked, mask.get(), kMaskConstant) != kHostSuccess || masked == nullptr) {
         TRACE_FAILURE(L"cannot create masked image");
         return nullptr;
     }
@@ -91,7 +91,7 @@ bool CreateImage(void* image, LPCWSTR name, BYTE** block, DWORD* length) {
     DWORD size = 0;
     const int copied = HostCopyImage(masked.get(), kCopyFormat, &memory, &size, 0);
     masked.reset();
-    if (copied != kHostSuccess) {
+    if (copied != kHostSuccess || (memory == nullptr && size > 0)) {
         TRACE_FAILURE(L"cannot copy masked image");
         return false;
     }

@@ -16,16 +16,18 @@ void CopyOver(ISettingsNode* target, ISettingsNode* source) {
 void CZonwickApp::SetHostSettings(ISettingsNode* node) {
     if (m_pHostNode.GetInterfacePtr() != node) m_pHostNode = node;
     m_pWorkingNode = nullptr;
-    // Without a working node every later load fails and says so.
+    // Without a working node every later load fails and says so; the sets of an earlier host's node do not stand in.
     void* working = nullptr;
     if (SUCCEEDED(win32::CreateRunningObject(host::kClsidSettingsNode, __uuidof(ISettingsNode), &working))) {
         m_pWorkingNode.Attach(static_cast<ISettingsNode*>(working));
+    } else if (m_pHostNode) {
+        GetAreaSetManager()->Forget();
     }
     RefreshFromHost();
 }
 
 void CZonwickApp::RefreshFromHost() {
-    if (m_pHostNode == nullptr || m_pWorkingNode == nullptr) return;
+    if (!m_pHostNode || !m_pWorkingNode) return;
     try {
         CopyOver(m_pWorkingNode, m_pHostNode);
     } catch (...) {
@@ -37,6 +39,6 @@ void CZonwickApp::RefreshFromHost() {
 }
 
 void CZonwickApp::CommitToHost() {
-    if (m_pHostNode == nullptr || m_pWorkingNode == nullptr) return;
+    if (!m_pHostNode || !m_pWorkingNode) return;
     CopyOver(m_pHostNode, m_pWorkingNode);
 }

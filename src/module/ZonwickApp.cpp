@@ -10,7 +10,7 @@ namespace {
 
 SettingsNodePtr GetWorkingNode() {
     ISettingsNodePtr node = GetApp().GetSettingsNode();
-    return node != nullptr ? std::make_unique<ComSettingsNode>(std::move(node)) : nullptr;
+    return node ? std::make_unique<ComSettingsNode>(std::move(node)) : nullptr;
 }
 
 // In this order: the manager outlives the module object.

@@ -88,11 +88,11 @@ bool CZonwickApp::GetPage(int32_t& document, int32_t& page, IPageImagePtr& image
     if (document < 0 || document >= GetDocumentCount()) document = m_nDefaultDoc;
     IQuireDocumentPtr doc;
     CallHost(m_pQuire.GetInterfacePtr(), &IQuire::GetItem, LONG{document}, &doc);
-    if (doc == nullptr || CountOf(doc.GetInterfacePtr()) == 0) return false;
+    if (!doc || CountOf(doc.GetInterfacePtr()) == 0) return false;
     if (page < 0 || page >= CountOf(doc.GetInterfacePtr())) page = m_nDefaultPage;
     IQuirePagePtr source;
     CallHost(doc.GetInterfacePtr(), &IQuireDocument::GetItem, LONG{page}, &source);
-    if (source == nullptr) return false;
+    if (!source) return false;
 
     SetFlag(flags, NAV_NO_PREV_DOC, document <= 0);
     SetFlag(flags, NAV_NO_PREV_PAGE, page <= 0);
@@ -100,7 +100,7 @@ bool CZonwickApp::GetPage(int32_t& document, int32_t& page, IPageImagePtr& image
     SetFlag(flags, NAV_NO_NEXT_PAGE, page >= CountOf(doc.GetInterfacePtr()) - 1);
 
     IPageImagePtr made(static_cast<IPageImage*>(CreateHostObject(host::kClsidPageImage, __uuidof(IPageImage))), false);
-    if (made == nullptr || !CopyPageImage(source, made)) return false;
+    if (!made || !CopyPageImage(source, made)) return false;
     image = made;
     return true;
 }
@@ -112,7 +112,7 @@ bool CZonwickApp::CopyPageImage(IQuirePage* page, IPageImage* image) {
         CallHost(page, &IQuirePage::GetImageSource, &source);
         IUnknownPtr unknown;
         CallHost(source.GetInterfacePtr(), &IImageSource::GetData, &unknown);
-        if (unknown == nullptr) win32::ThrowHostError(E_POINTER, __uuidof(IImageSource));
+        if (!unknown) win32::ThrowHostError(E_POINTER, __uuidof(IImageSource));
         const HRESULT status = unknown->QueryInterface(__uuidof(IImageData), reinterpret_cast<void**>(&data));
         if (FAILED(status) && status != E_NOINTERFACE) win32::ThrowHostError(status, __uuidof(IImageData));
     }
@@ -126,7 +126,7 @@ bool CZonwickApp::CopyPageImage(IQuirePage* page, IPageImage* image) {
 
     IImageLoaderPtr loader;
     if (FAILED(image->QueryInterface(__uuidof(IImageLoader), reinterpret_cast<void**>(&loader)))) return false;
-    return loader != nullptr && SUCCEEDED(loader->LoadFromMemory(copy.get(), length));
+    return loader && SUCCEEDED(loader->LoadFromMemory(copy.get(), length));
 }
 
 void* CZonwickApp::CreateHostObject(REFCLSID classId, REFIID iid) {

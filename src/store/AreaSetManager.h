@@ -53,7 +53,8 @@ public:
 
     // Drops the sets and the fact that they were loaded: the next load starts afresh.
     void Forget();
-    // Whether the last load read everything, and the last store wrote everything.
+    // Whether the last load went through all sub-nodes to its end (values that a set lacks have their defaults), and
+    // the last store wrote everything. After a load that stopped, a store would lose the sets behind that place.
     bool WasLastLoadComplete() const { return m_bLoadComplete; }
     bool WasLastStoreComplete() const { return m_bStoreComplete; }
 
