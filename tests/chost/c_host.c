@@ -27,9 +27,9 @@ typedef void(WINAPI* FreeFunction)(BYTE*);
 static const struct {
     const char* name;
     WORD ordinal;
-} kExports[] = {{"SAConfigureSet", 2},      {"ConfigurePage", 10},   {"SAGetAreaInfo", 3}, {"SAGetAreaRects", 4},
-                {"SAMapID2Index", 5},       {"SAInit", 6},           {"SAMapIndex2ID", 8}, {"SAChangeColors", 9},
-                {"CreateAreaSetImage", 11}, {"FreeAreaSetImage", 12}};
+} kExports[] = {{"SAConfigure", 1},    {"SAConfigureSet", 2},      {"ConfigurePage", 10},   {"SAGetAreaInfo", 3},
+                {"SAGetAreaRects", 4}, {"SAMapID2Index", 5},       {"SAInit", 6},           {"SAMapIndex2ID", 8},
+                {"SAChangeColors", 9}, {"CreateAreaSetImage", 11}, {"FreeAreaSetImage", 12}};
 
 static int CheckExports(HMODULE library) {
     for (size_t i = 0; i < sizeof kExports / sizeof kExports[0]; ++i) {
