@@ -63,11 +63,8 @@ public:
 // Taken down from the last to the first: the library lets go of the node before COM ends.
 struct HostSession::Parts {
     explicit Parts(const CommonOptions& options)
-        : path(options.settings),
-          log(options),
-          classes(L"HostSettings.dll", {host::kClsidSettingsNode, host::kClsidSettingsTransfer}) {}
+        : log(options), classes(L"HostSettings.dll", {host::kClsidSettingsNode, host::kClsidSettingsTransfer}) {}
 
-    const fs::path path;
     const ComScope com;
     const LogScope log;
     const com::ClassRegistration classes;
@@ -82,6 +79,8 @@ HostSession::HostSession(const CommonOptions& options, Settings settings) : m_pa
                                                     " does not exist; `zonhost sets import` makes it, --settings "
                                                     "names another");
     }
+    // A new file may be the first of its folder; the store tells when the folder cannot be had.
+    if (options.settings.has_parent_path()) fs::create_directories(options.settings.parent_path(), error);
     const com::HostDll& store = m_parts->classes.Dll();
     const auto open = store.Export<decltype(HostSettingsOpenFile)>("HostSettingsOpenFile");
     if (FAILED(open(options.settings.c_str(), &m_parts->root))) FailSettings(store);
@@ -103,8 +102,6 @@ ZonwickLibrary& HostSession::Library() {
 
 void HostSession::Change(const std::function<void(ISettingsNode*)>& change) {
     const com::HostDll& store = m_parts->classes.Dll();
-    std::error_code error;
-    if (m_parts->path.has_parent_path()) fs::create_directories(m_parts->path.parent_path(), error);
     try {
         change(m_parts->root);
     } catch (const _com_error&) {

@@ -158,6 +158,14 @@ bool InArea(int x, int y) {
     return x >= 20 && x < 120 && y >= 10 && y < 60;
 }
 
+TEST_F(Zonhost, TheFirstSettingsOfAFolderMakeTheFolder) {
+    const Result imported = Run(L"--settings new\\folder\\settings.json sets import sets.json");
+    EXPECT_EQ(imported.code, 0u) << imported.err;
+    const Result listed = Run(L"--settings new\\folder\\settings.json sets list");
+    EXPECT_EQ(listed.code, 0u) << listed.err;
+    EXPECT_NE(listed.out.find("Keep"), std::string::npos) << listed.out;
+}
+
 TEST_F(Zonhost, MasksPagesByRequiredAndIgnoredSetsInEveryFormat) {
     Import();
     for (const wchar_t* format : {L"png", L"tif", L"bmp"}) {
