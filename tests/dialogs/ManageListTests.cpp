@@ -156,34 +156,34 @@ TEST_F(ManageList, AnyNameIsKept) {
                                   L"two\r\nlines",
                                   L"\x05E9\x05DC\x05D5\x05DD \x0645\x0631\x062D\x0628\x0627",
                                   L"\xD83D\xDCC4 page",
-                                  L"%s %n & 100%",
-                                  L"Letter"};
-    for (const std::wstring& name : names) {
-        SCOPED_TRACE(testing::Message() << name.size());
-        m_tree->Child(L"0x00000001")->strings[L"Name"] = L"Invoice";
-        Init();
-        EXPECT_TRUE(Play({[](HWND) { PressKey(VK_F2); },
-                          [&](HWND dialog) {
-                              ASSERT_NE(LabelEdit(dialog), nullptr);
-                              SetWindowTextW(LabelEdit(dialog), name.c_str());
-                          },
-                          [](HWND) { PressKey(VK_RETURN); },
-                          [&](HWND dialog) {
-                              EXPECT_EQ(SetName(dialog, 0), name);
-                              RECT client;
-                              GetClientRect(SetsOf(dialog), &client);
-                              if (name.size() >= 64) {
-                                  EXPECT_GT(ColumnWidth(dialog), client.right);
-                              }
-                              EXPECT_GT(ColumnWidth(dialog), 0);
-                          },
-                          [&](HWND dialog) {
-                              Screenshot(dialog, L"manage-name-" + std::to_wstring(name.size()));
-                              PressOk(dialog);
-                          }}));
-        EXPECT_EQ(m_tree->Child(L"0x00000001")->strings[L"Name"], name);
-        EXPECT_TRUE(Play({[&](HWND dialog) { EXPECT_EQ(SetName(dialog, 0), name); }, PressCancel}));
+                                  L"%s %n & 100%"};
+    for (unsigned id = 4; id <= std::size(names); ++id) AddSet(id, L"Letter", 0, {}, {});
+    Init();
+    Steps steps;
+    for (int item = 0; item < static_cast<int>(std::size(names)); ++item) {
+        const std::wstring& name = names[item];
+        steps.push_back([=](HWND dialog) { SelectSet(dialog, item); });
+        steps.push_back([](HWND) { PressKey(VK_F2); });
+        steps.push_back([&name](HWND dialog) { SetWindowTextW(LabelEdit(dialog), name.c_str()); });
+        steps.push_back([](HWND) { PressKey(VK_RETURN); });
     }
+    steps.push_back([](HWND dialog) {
+        RECT client;
+        GetClientRect(SetsOf(dialog), &client);
+        EXPECT_GT(ColumnWidth(dialog), client.right) << "the longest name can be scrolled to";
+        Screenshot(dialog, L"manage-names");
+        PressOk(dialog);
+    });
+    EXPECT_TRUE(Play(steps));
+    EXPECT_TRUE(Play({[&](HWND dialog) {
+                          ASSERT_EQ(SetCount(dialog), static_cast<int>(std::size(names)));
+                          for (int item = 0; item < SetCount(dialog); ++item) {
+                              EXPECT_EQ(SetName(dialog, item), names[item]);
+                              EXPECT_EQ(m_tree->children[static_cast<size_t>(item)].second->strings[L"Name"],
+                                        names[item]);
+                          }
+                      },
+                      PressCancel}));
 }
 
 TEST_F(ManageList, AnEmptiedLabelKeepsTheName) {
