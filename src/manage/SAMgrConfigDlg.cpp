@@ -88,6 +88,7 @@ void CSAMgrConfigDlg::FillList() {
                         client.right - client.left - GetSystemMetrics(SM_CXHTHUMB));
     {
         const RedrawOff redrawOff(m_list);
+        const CSystemLock lock = m_pManager->Lock();  // once, not for each set
         const int32_t count = m_pManager->GetCount();
         m_list.SendMessage(LVM_SETITEMCOUNT, static_cast<WPARAM>(count));
         for (int32_t i = 0; i < count; ++i) {

@@ -149,4 +149,30 @@ TEST_F(ManageFailure, WithoutUnitsTheCommandStops) {
     EXPECT_EQ(m_tree->Child(L"0x00000001")->Child(L"DisplayRect")->integers[L"Position:right"], 2100);
 }
 
+// A translation whose dialog has no preview.
+struct FaultyLanguage {
+    FaultyLanguage() { SetEnvironmentVariableW(L"HOST_LANGUAGE", L"x-nopreview"); }
+    ~FaultyLanguage() { SetEnvironmentVariableW(L"HOST_LANGUAGE", nullptr); }
+};
+
+class ManageWithoutPreview : private FaultyLanguage, public ManageDialog {};
+
+TEST_F(ManageWithoutPreview, CanOnlyBeCancelled) {
+    const std::wstring before = m_tree->Dump();
+    EXPECT_TRUE(Play({[](HWND) {},
+                      [&](HWND dialog) {
+                          EXPECT_EQ(TakeTraceTexts(),
+                                    L"6 CPagePreviewCtrl::SubclassControl: SubclassDlgItem failed.\n"
+                                    L"6 CSAMgrConfigDlg::OnInitDialog: m_ctrlPreview.SubclassControl failed.\n");
+                          const std::vector<std::wstring> boxes = TakeHostBoxes();
+                          ASSERT_EQ(boxes.size(), 1u);
+                          EXPECT_TRUE(boxes[0].starts_with(L"This window could not be set up completely")) << boxes[0];
+                          EXPECT_FALSE(Enabled(dialog, IDOK));
+                          EXPECT_EQ(SetCount(dialog), 0);
+                          Post(dialog, IDOK);
+                      },
+                      PressCancel}));
+    EXPECT_EQ(m_tree->Dump(), before);
+}
+
 }  // namespace

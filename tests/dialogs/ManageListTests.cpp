@@ -234,35 +234,4 @@ TEST_F(ManageList, CancelDropsEverything) {
     EXPECT_EQ(m_tree->Dump(), before);
 }
 
-TEST_F(ManageList, TenThousandSets) {
-    for (unsigned id = 4; id <= 10000; ++id) {
-        AddSet(id, (L"Area set number " + std::to_wstring(id)).c_str(), 0, {0, 0, 2100, 2970}, {{1, 2, 3, 4}});
-    }
-    Init();
-    const ULONGLONG start = GetTickCount64();
-    ULONGLONG opened = 0, selected = 0, removed = 0, stored = 0;
-    EXPECT_TRUE(Play({[&](HWND) {
-                          opened = GetTickCount64() - start;
-                          PressKey(VK_END);
-                      },
-                      [&](HWND dialog) {
-                          EXPECT_EQ(SelectedSet(dialog), 9999);
-                          EXPECT_EQ(SetName(dialog, 9999), L"Area set number 10000");
-                          EXPECT_EQ(TextOf(dialog, IDC_MANAGE_SIZE), L"210.0 x 297.0 mm");
-                          selected = GetTickCount64();
-                          SelectSet(dialog, 5000);
-                          selected = GetTickCount64() - selected;
-                          removed = GetTickCount64();
-                          Push(dialog, IDC_MANAGE_REMOVE);
-                          removed = GetTickCount64() - removed;
-                          EXPECT_EQ(SetCount(dialog), 9999);
-                          stored = GetTickCount64();
-                          PressOk(dialog);
-                          stored = GetTickCount64() - stored;
-                      }}));
-    EXPECT_EQ(m_tree->children.size(), 9999u);
-    printf("10,000 sets: %u ms to open, %u to select, %u to remove, %u for OK\n", static_cast<unsigned>(opened),
-           static_cast<unsigned>(selected), static_cast<unsigned>(removed), static_cast<unsigned>(stored));
-}
-
 }  // namespace

@@ -1,5 +1,6 @@
 // "Manage Area Sets": page source, page size and the dialogs that it opens.
 #include "dialogs/ManageFixture.h"
+#include "refhost/controls/HostControls.h"
 
 namespace {
 
@@ -180,6 +181,23 @@ TEST_F(ManagePage, ADoubleClickConfigures) {
                           EXPECT_EQ(SelectedSet(dialog), 1);
                           PressCancel(dialog);
                       }}));
+}
+
+TEST_F(ManagePage, HelpIsTheChapterOfThisDialog) {
+    const auto setOpener = reinterpret_cast<decltype(&HostControlsSetHelpOpener)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"HostControls.dll"), "HostControlsSetHelpOpener")));
+    ASSERT_NE(setOpener, nullptr);
+    std::vector<DWORD> asked;
+    setOpener(
+        [](const HostHelpRequest* request, void* context) -> BOOL {
+            static_cast<std::vector<DWORD>*>(context)->push_back(request->context);
+            return TRUE;
+        },
+        &asked);
+    EXPECT_TRUE(Play({[](HWND dialog) { Push(dialog, IDHELP); }, [](HWND dialog) { SetFocus(SetsOf(dialog)); },
+                      [](HWND) { PressKey(VK_F1); }, PressCancel}));
+    setOpener(nullptr, nullptr);
+    EXPECT_EQ(asked, (std::vector<DWORD>{0x26C88, 0x26C88}));
 }
 
 }  // namespace
