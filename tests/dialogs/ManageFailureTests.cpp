@@ -1,11 +1,17 @@
 // "Manage Area Sets" when its host fails: what is told, and that no set is lost.
 #include "dialogs/ManageFixture.h"
+#include "support/FakeDocuments.h"
 
 namespace {
 
 using namespace test;
 
-class ManageFailure : public ManageDialog {};
+class ManageFailure : public ManageDialog {
+protected:
+    ManageFailure() { m_stack.documents = {1}; }
+
+    FakeStack m_stack;
+};
 
 TEST_F(ManageFailure, RefusedWithoutADialog) {
     EXPECT_FALSE(m_configure(m_owner, nullptr, 0, 0));
@@ -119,13 +125,15 @@ TEST_F(ManageFailure, AFailingCancelClosesAndDropsTheCopy) {
 }
 
 TEST_F(ManageFailure, AFailingStackCountsAsNoPage) {
-    // A page whose file is gone.
-    UsePages({std::wstring(SAMPLES_DIR) + L"/letter.tif"});
     m_documents.reset();
+    const FakePageImageClass images;
+    m_stack.byteType = VT_I4;  // a page without bytes is thrown
+    m_host->quire.Attach(MakeFakeQuire(m_stack));
     m_tree->booleans[L"RadioPageSource"] = true;
     Init();
     EXPECT_TRUE(Play({[&](HWND dialog) {
-        EXPECT_NE(TakeTraceTexts(), L"");
+        EXPECT_EQ(TakeTraceTexts(),
+                  L"2 CSAMgrConfigDlg::OnInitDialog: GetPage: a host object failed with status 0x80070057.\n");
         EXPECT_FALSE(Enabled(dialog, IDC_MANAGE_SCANNED));
         EXPECT_TRUE(Checked(dialog, IDC_MANAGE_PAGE_SIZE));
         EXPECT_TRUE(Enabled(dialog, IDC_MANAGE_SETTINGS));
