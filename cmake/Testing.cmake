@@ -9,6 +9,12 @@ elseif(ZONWICK_SANITIZE)
     target_compile_options(gtest PUBLIC -fsanitize=${ZONWICK_SANITIZE})
 endif()
 
+# Test code need not run fast, but has to be built soon.
+function(zonwick_quick_compile target)
+    target_compile_options(${target} PRIVATE -O0)
+endfunction()
+zonwick_quick_compile(gtest)
+
 # zonwick_add_test(NAME SOURCES ... [LIBRARIES ...] [TIMEOUT seconds] [DISPLAY])
 # A test program with the shared main of tests/support. TIMEOUT (default 120) is a watchdog, not a measure; DISPLAY says
 # that it needs a screen.
@@ -16,6 +22,8 @@ function(zonwick_add_test name)
     cmake_parse_arguments(arg "DISPLAY" "TIMEOUT" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE test_support ${arg_LIBRARIES} zonwick_options)
+    zonwick_quick_compile(${name})
+    target_precompile_headers(${name} REUSE_FROM test_support)
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 120)
     endif()
