@@ -165,6 +165,11 @@ std::vector<AreaSetRecord> ParseAreaSets(std::string_view text, const std::strin
         root = json::parse(text.begin(), text.end(), std::ref(duplicates));
     } catch (const json::parse_error& error) {
         throw CommandError(ExitCode::kNothingDone, fileName + ": " + SyntaxReason(error, text));
+    } catch (const json::out_of_range& error) {
+        // A number that not even a fraction can hold; the parser does not tell its place.
+        const std::string reason = error.what();
+        throw CommandError(ExitCode::kNothingDone,
+                           fileName + ": no valid JSON: " + reason.substr(reason.find(' ') + 1));
     }
     if (!duplicates.Duplicate().empty()) {
         throw CommandError(ExitCode::kNothingDone,

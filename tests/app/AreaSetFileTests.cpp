@@ -62,6 +62,7 @@ TEST(AreaSetFile, EveryMistakeIsToldWithItsPlace) {
     } cases[] = {
         {"", "sets.json: line 1: no valid JSON"},
         {"{\n\"sets\": [\n{,", "sets.json: line 3: no valid JSON"},
+        {"[1e999]", "sets.json: no valid JSON: number overflow"},
         {"[]", "sets.json: the file: must be an object"},
         {R"({"sets":{}})", "sets.json: sets: must be a list"},
         {R"({"sets":[]})", "sets.json: sets: holds no area set"},
