@@ -17,6 +17,9 @@ template <class... Visitors>
 struct Overloaded : Visitors... {
     using Visitors::operator()...;
 };
+// Needed by clang, which does not derive it from the members.
+template <class... Visitors>
+Overloaded(Visitors...) -> Overloaded<Visitors...>;
 
 void AppendInteger(std::string& text, int64_t value) {
     char digits[24];
