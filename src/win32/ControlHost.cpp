@@ -21,7 +21,7 @@ constexpr size_t kClassIdLength = 40;
 ComPtr<IOleInPlaceObject> GetInPlaceObject(HWND host) noexcept {
     ComPtr<IOleInPlaceObject> object;
     const ComPtr<IUnknown> control = GetControlUnknown(host);
-    if (control != nullptr) control.GetInterfacePtr()->QueryInterface(&object);
+    if (control) control.GetInterfacePtr()->QueryInterface(&object);
     return object;
 }
 
@@ -32,7 +32,7 @@ LRESULT CALLBACK HostProc(HWND host, UINT message, WPARAM wParam, LPARAM lParam,
     if (message != WM_SIZE && message != WM_SETFOCUS) return result;
 
     const ComPtr<IOleInPlaceObject> object = GetInPlaceObject(host);
-    if (object == nullptr) return result;
+    if (!object) return result;
     if (message == WM_SIZE) {
         RECT rect = {};
         GetClientRect(host, &rect);
@@ -68,7 +68,7 @@ HRESULT CreateControlIn(HWND host, REFCLSID classId) noexcept {
     const HRESULT status = AtlAxCreateControl(name, host, nullptr, nullptr);
     if (FAILED(status)) return status;
     // Success does not say that there is a control.
-    if (GetControlUnknown(host) == nullptr) return E_FAIL;
+    if (!GetControlUnknown(host)) return E_FAIL;
     SetWindowSubclass(host, HostProc, kHostSubclass, 0);
     return S_OK;
 }
