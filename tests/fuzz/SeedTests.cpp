@@ -21,7 +21,7 @@ std::vector<std::string> SeedsOf(const fuzz::Target& target) {
     return seeds;
 }
 
-void Run(const fuzz::Target& target, const std::string& bytes) {
+void RunOn(const fuzz::Target& target, const std::string& bytes) {
     target.run(fuzz::Input(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()));
 }
 
@@ -31,7 +31,7 @@ TEST_P(FuzzSeeds, HoldWhole) {
     const auto seeds = SeedsOf(GetParam());
     ASSERT_FALSE(seeds.empty());
     for (const std::string& seed : seeds) {
-        for (size_t length = 0; length <= seed.size(); ++length) Run(GetParam(), seed.substr(0, length));
+        for (size_t length = 0; length <= seed.size(); ++length) RunOn(GetParam(), seed.substr(0, length));
     }
 }
 
@@ -44,11 +44,11 @@ TEST_P(FuzzSeeds, HoldWithChanges) {
         for (unsigned changes = 1 + random() % 4; changes > 0 && !bytes.empty(); --changes) {
             bytes[random() % bytes.size()] = static_cast<char>(random());
         }
-        Run(GetParam(), bytes);
+        RunOn(GetParam(), bytes);
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(Targets, FuzzSeeds, testing::ValuesIn(fuzz::kTargets),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& target) { return std::string(target.param.name); });
 
 }  // namespace
