@@ -13,8 +13,20 @@ SettingsNodePtr GetWorkingNode() {
     return node ? std::make_unique<ComSettingsNode>(std::move(node)) : nullptr;
 }
 
+// Destroys the manager when the module is unloaded, but not when the process ends with the module loaded: another
+// process may hold the lock for long, and a thread that was ended may have left the sets half changed.
+union ManagerStorage {
+    ManagerStorage() : manager(GetWorkingNode) {}
+    ~ManagerStorage() {
+        if (!abandoned) manager.~CAreaSetManager();
+    }
+
+    CAreaSetManager manager;
+    static inline bool abandoned = false;
+};
+
 // In this order: the manager outlives the module object.
-CAreaSetManager g_manager{GetWorkingNode};
+ManagerStorage g_storage;
 CZonwickApp g_app;
 AreaColors g_colors;
 
@@ -24,7 +36,7 @@ CZonwickApp& GetApp() {
     return g_app;
 }
 CAreaSetManager* GetAreaSetManager() {
-    return &g_manager;
+    return &g_storage.manager;
 }
 AreaColors& GetAreaColors() {
     return g_colors;
@@ -45,6 +57,7 @@ void CZonwickApp::InitInstance(HINSTANCE instance) {
 }
 
 void CZonwickApp::Abandon() noexcept {
+    ManagerStorage::abandoned = true;
     m_pQuire.Detach();
     m_pHostNode.Detach();
     m_pWorkingNode.Detach();

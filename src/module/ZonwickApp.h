@@ -30,7 +30,7 @@ public:
     // Called when the DLL is attached, under the loader lock: logger, resources, application name.
     void InitInstance(HINSTANCE instance);
     // Called when the process ends with the DLL still loaded: the host's libraries may be gone already, so its objects
-    // are left alone.
+    // are left alone, and so is the manager.
     void Abandon() noexcept;
 
     // The module's settings nodes. The host's node is written by CommitToHost alone; the working node is a copy of it

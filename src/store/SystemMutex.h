@@ -1,7 +1,7 @@
 #pragma once
 
 #include <atomic>
-#include <thread>
+#include <cstdint>
 
 // A named system mutex, shared by all processes of the Windows session and re-entrant for its owning thread. Nested
 // locks of the owner are counted in memory; the system's mutex is taken once. A mutex that its owner left behind by
@@ -10,7 +10,8 @@
 // Natively the name is ignored and the lock is between threads of the process only.
 class CSystemMutex {
 public:
-    // Opens the mutex by name, or creates it; does not take it. When neither is possible, Lock traces that and goes on.
+    // Opens the mutex by name, or creates it; does not take it. When neither is possible, Lock traces that
+    // and serialises the threads of this process only.
     explicit CSystemMutex(const wchar_t* name) noexcept;
     ~CSystemMutex();
     CSystemMutex(const CSystemMutex&) = delete;
@@ -21,9 +22,10 @@ public:
 
 private:
     void* m_handle = nullptr;
-    std::atomic<std::thread::id> m_owner{};
-    int m_depth = 0;      // of the owner
-    bool m_held = false;  // the wait succeeded, so there is something to release
+    void* m_local = nullptr;            // the substitute within the process
+    std::atomic<uint64_t> m_owner = 0;  // a thread, 0 for none
+    int m_depth = 0;                    // of the owner
+    bool m_held = false;                // the wait succeeded, so there is something to release
 };
 
 // Holds the mutex for its own life.

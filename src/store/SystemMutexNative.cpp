@@ -3,6 +3,15 @@
 
 #include "store/SystemMutex.h"
 
+namespace {
+
+uint64_t CurrentThread() {
+    static thread_local char mark;
+    return reinterpret_cast<uintptr_t>(&mark);
+}
+
+}  // namespace
+
 CSystemMutex::CSystemMutex(const wchar_t*) noexcept : m_handle(new (std::nothrow) std::mutex) {}
 
 CSystemMutex::~CSystemMutex() {
@@ -10,7 +19,7 @@ CSystemMutex::~CSystemMutex() {
 }
 
 void CSystemMutex::Lock() noexcept {
-    const auto self = std::this_thread::get_id();
+    const auto self = CurrentThread();
     if (m_owner.load(std::memory_order_relaxed) == self) {
         ++m_depth;
         return;
@@ -22,6 +31,6 @@ void CSystemMutex::Lock() noexcept {
 
 void CSystemMutex::Unlock() noexcept {
     if (--m_depth > 0) return;
-    m_owner.store(std::thread::id{}, std::memory_order_relaxed);
+    m_owner.store(0, std::memory_order_relaxed);
     if (m_handle != nullptr) static_cast<std::mutex*>(m_handle)->unlock();
 }

@@ -7,6 +7,12 @@ namespace {
 
 constexpr const char* kSource = "AreaSetManager";
 
+static_assert(sizeof(SRWLOCK) == sizeof(void*));
+
+SRWLOCK* Local(void*& place) {
+    return reinterpret_cast<SRWLOCK*>(&place);
+}
+
 }  // namespace
 
 CSystemMutex::CSystemMutex(const wchar_t* name) noexcept : m_handle(CreateMutexW(nullptr, FALSE, name)) {
@@ -19,12 +25,13 @@ CSystemMutex::~CSystemMutex() {
 }
 
 void CSystemMutex::Lock() noexcept {
-    const auto self = std::this_thread::get_id();
+    const uint64_t self = GetCurrentThreadId();
     if (m_owner.load(std::memory_order_relaxed) == self) {
         ++m_depth;
         return;
     }
     const DWORD result = m_handle != nullptr ? WaitForSingleObject(m_handle, INFINITE) : WAIT_FAILED;
+    if (m_handle == nullptr) AcquireSRWLockExclusive(Local(m_local));
     m_held = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
     m_owner.store(self, std::memory_order_relaxed);
     m_depth = 1;
@@ -39,6 +46,7 @@ void CSystemMutex::Lock() noexcept {
 void CSystemMutex::Unlock() noexcept {
     if (--m_depth > 0) return;
     const bool held = m_held;
-    m_owner.store(std::thread::id{}, std::memory_order_relaxed);
+    m_owner.store(0, std::memory_order_relaxed);
     if (held) ReleaseMutex(m_handle);
+    if (m_handle == nullptr) ReleaseSRWLockExclusive(Local(m_local));
 }
