@@ -1,10 +1,18 @@
 # Header-only packages of the build machine, each with an include folder of its own: /usr/include as a whole would put
 # the wrong C library's headers in front of a cross build.
+set(ZONWICK_HEADER_ROOT /usr/include CACHE PATH "Folder with the headers of nlohmann json and CLI11")
 function(zonwick_header_only target folder)
+    if(NOT EXISTS ${ZONWICK_HEADER_ROOT}/${folder})
+        message(FATAL_ERROR "${ZONWICK_HEADER_ROOT} has no folder ${folder}; ZONWICK_HEADER_ROOT names another place")
+    endif()
+    add_library(${target} INTERFACE)
+    if(CMAKE_HOST_WIN32)
+        target_include_directories(${target} SYSTEM INTERFACE ${ZONWICK_HEADER_ROOT})
+        return()
+    endif()
     set(include_dir ${CMAKE_BINARY_DIR}/header-only/${target})
     file(MAKE_DIRECTORY ${include_dir})
-    file(CREATE_LINK /usr/include/${folder} ${include_dir}/${folder} SYMBOLIC)
-    add_library(${target} INTERFACE)
+    file(CREATE_LINK ${ZONWICK_HEADER_ROOT}/${folder} ${include_dir}/${folder} SYMBOLIC)
     target_include_directories(${target} SYSTEM INTERFACE ${include_dir})
 endfunction()
 

@@ -1,4 +1,15 @@
-# The one place for the version and the product's name.
-set(ZONWICK_VERSION 0.1.0)
+# The product's name and version. The version's one place is the public header, which has to stand by itself.
 set(ZONWICK_PRODUCT "Zonwick")
 set(ZONWICK_COMPANY "The Zonwick developers")
+
+set(version_header ${CMAKE_CURRENT_LIST_DIR}/../include/zonwick/zonwick.h)
+file(STRINGS ${version_header} numbers REGEX "^#define ZONWICK_VERSION_(MAJOR|MINOR|PATCH) [0-9]+$")
+list(TRANSFORM numbers REPLACE ".* " "")
+list(LENGTH numbers count)
+if(NOT count EQUAL 3)
+    message(FATAL_ERROR "${version_header} has to define ZONWICK_VERSION_MAJOR, _MINOR and _PATCH, in this order")
+endif()
+list(JOIN numbers "." ZONWICK_VERSION)
+if(NOT CMAKE_SCRIPT_MODE_FILE)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${version_header})
+endif()

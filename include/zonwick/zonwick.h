@@ -27,6 +27,11 @@
 #include <stddef.h>
 #include <windows.h>
 
+/* The version of Zonwick that this header belongs to. */
+#define ZONWICK_VERSION_MAJOR 0
+#define ZONWICK_VERSION_MINOR 1
+#define ZONWICK_VERSION_PATCH 0
+
 #ifdef __cplusplus
 extern "C" {
 #endif
