@@ -54,8 +54,15 @@
 
 #ifdef __cplusplus
 
-// Gives an interface its identifier for __uuidof: ZONWICK_UUID(IFolium, ZONWICK_IID_FOLIUM).
+// Gives an interface its identifier: ZONWICK_UUID(IFolium, ZONWICK_IID_FOLIUM). mingw-w64 has it as __uuidof(IFolium)
+// then, other compilers, which take no numbers for that, as host::Iid<IFolium>.
+#ifdef __CRT_UUID_DECL
 #define ZONWICK_UUID(...) __CRT_UUID_DECL(__VA_ARGS__)
+#else
+#define ZONWICK_UUID(type, ...) \
+    template <>                 \
+    inline constexpr GUID host::Iid<type> = host::MakeGuid(__VA_ARGS__);
+#endif
 
 namespace host {
 
@@ -65,6 +72,11 @@ constexpr GUID MakeGuid(unsigned long data1, unsigned short data2, unsigned shor
                         unsigned char b6, unsigned char b7) noexcept {
     return GUID{data1, data2, data3, {b0, b1, b2, b3, b4, b5, b6, b7}};
 }
+
+#ifndef __CRT_UUID_DECL
+template <class Interface>
+inline constexpr GUID Iid = {};
+#endif
 
 inline constexpr GUID kClsidSettingsNode = MakeGuid(ZONWICK_CLSID_SETTINGS_NODE);
 inline constexpr GUID kClsidSettingsTransfer = MakeGuid(ZONWICK_CLSID_SETTINGS_TRANSFER);
