@@ -23,11 +23,16 @@ install(DIRECTORY docs DESTINATION bin FILES_MATCHING PATTERN "operator.*" PATTE
 
 install(FILES ${module_definition} DESTINATION lib RENAME Zonwick.def)
 
+# The tool writes the path that it is given into the library, so that is the name alone.
 set(mingw_library ${package_folder}/libZonwick.dll.a)
+file(MAKE_DIRECTORY ${package_folder})
 add_custom_command(
-    OUTPUT ${mingw_library} COMMAND ${CMAKE_DLLTOOL} --deterministic-libraries -m i386:x86-64 -d ${module_definition}
-                                    -l ${mingw_library}
-    DEPENDS ${module_definition} COMMENT "Import library for mingw-w64" VERBATIM)
+    OUTPUT ${mingw_library}
+    COMMAND ${CMAKE_DLLTOOL} --deterministic-libraries -m i386:x86-64 -d ${module_definition} -l libZonwick.dll.a
+    WORKING_DIRECTORY ${package_folder}
+    DEPENDS ${module_definition}
+    COMMENT "Import library for mingw-w64"
+    VERBATIM)
 install(FILES ${mingw_library} DESTINATION lib)
 set(import_libraries ${mingw_library})
 
@@ -42,7 +47,8 @@ if(ZONWICK_LLVM_DLLTOOL)
 else()
     message(STATUS "No llvm-dlltool (Debian package llvm): the import library for MSVC is left out of the package")
 endif()
-add_custom_target(zonwick_import_libraries ALL DEPENDS ${import_libraries})
+add_custom_target(zonwick_package_files ALL DEPENDS ${import_libraries})
+add_dependencies(zonwick_package_files ${binaries})
 
 # --- Headers
 
