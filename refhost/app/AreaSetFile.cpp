@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
+#include "refhost/app/ImportPlan.h"
 #include "refhost/app/Text.h"
 
 namespace zonhost {
@@ -157,6 +158,14 @@ void AppendRect(std::string& text, const Rect& area) {
 }
 
 }  // namespace
+
+bool IsSettings(std::string_view text) {
+    const json root = json::parse(text.begin(), text.end(), nullptr, false);
+    if (!root.is_object() || root.contains("sets")) return false;
+    const auto isSet = [](const auto& entry) { return entry.value().is_object() && IdOfKey(entry.key()) != 0; };
+    const auto entries = root.items();
+    return std::any_of(entries.begin(), entries.end(), isSet);
+}
 
 std::vector<AreaSetRecord> ParseAreaSets(std::string_view text, const std::string& fileName) {
     DuplicateFinder duplicates;

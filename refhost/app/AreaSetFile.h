@@ -16,6 +16,9 @@
 
 namespace zonhost {
 
+// Whether the text is that of a host's settings file, whose sets stand under their identifiers.
+bool IsSettings(std::string_view text);
+
 // Throws CommandError (kNothingDone) with file, place and reason. Nothing is taken from a file with an error in it.
 std::vector<AreaSetRecord> ParseAreaSets(std::string_view text, const std::string& fileName);
 

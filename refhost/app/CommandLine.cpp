@@ -24,6 +24,7 @@ constexpr const char* kFooter =
     "Examples:\n"
     "  zonhost sets import area-sets.json --settings settings.json\n"
     "  zonhost sets list --settings settings.json\n"
+    "  zonhost manage --settings settings.json scan.tif\n"
     "  zonhost mask --settings settings.json --set \"Letter body\" --out masked scan.tif\n"
     "\n"
     "Exit codes:\n"
@@ -49,14 +50,32 @@ constexpr const char* kMaskFooter =
     "  zonhost mask --set \"Letter body\" --out masked --format tif --dpi 204x196 fax*.png";
 
 constexpr const char* kImportFooter =
-    "FILE is a .json file as `zonhost sets export` writes it, or a .uzn zone file: lines \"left top width height "
+    "FILE is a .json file as `zonhost sets export` writes it, a settings file (another one, its .bak, or one that was "
+    "kept\n"
+    "as .refused-n), or a .uzn zone file: lines \"left top width height "
     "label\" in\n"
     "pixels, each file one set. All files are checked before anything is written. New sets get identifiers of their "
     "own.\n"
     "\n"
     "Examples:\n"
     "  zonhost sets import area-sets.json --dry-run\n"
+    "  zonhost sets import settings.json.refused-1 --set \"Letter body\" --replace\n"
     "  zonhost sets import letter.uzn --page letter.tif --name \"Letter text\" --ignored";
+
+constexpr const char* kManageFooter =
+    "Opens \"Manage Area Sets\" over the settings file: there sets are made, copied, renamed, removed and drawn on "
+    "the\n"
+    "pages. OK saves all of it, Cancel leaves the file as it is. Without PAGE, and where no page can be had, areas "
+    "are\n"
+    "drawn on a blank page of a configured size.\n"
+    "\n"
+    "What came of it is printed. When another program changed the file in the meantime, OK is refused; the sets are\n"
+    "kept in FILE.refused-1 (-2, ...), and the exit code is 3.\n"
+    "\n"
+    "Examples:\n"
+    "  zonhost manage --settings settings.json letter.tif folder\\of\\scans\n"
+    "  zonhost manage --units inch\n"
+    "  zonhost sets import settings.json.refused-1 --set \"Letter body\"";
 
 constexpr const char* kFieldsFooter =
     "Opens \"Configure Area Set\" for indexing fields and prints where they stand afterwards, in tenths of a\n"
@@ -138,6 +157,7 @@ public:
         m_app.add_flag("--verbose", m_common.verbose, "Show the log on standard error as well");
         AddSets();
         AddMask();
+        AddManage();
         AddView();
         AddFields();
         m_app.footer(kFooter);
@@ -184,6 +204,10 @@ private:
         CLI::App& in = *sets.add_subcommand("import", "Import area sets from JSON and zone files");
         in.footer(kImportFooter);
         PathsOption(in, "FILE", m_import.files, "Files to import");
+        in.add_option("--set", m_import.sets, "Import only the set of this name; can be given several times")
+            ->type_name("NAME")
+            ->allow_extra_args(false)
+            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
         in.add_flag("--replace", m_import.replace, "Replace sets of the same name; they keep their identifiers");
         in.add_flag("--dry-run", m_import.dryRun, "Check and show what would be imported, write nothing");
         in.add_option("--name", m_import.name, "Zone files: name of the set (default: the file's name)")
@@ -218,6 +242,13 @@ private:
         PathsOption(command, "PAGE", options.pages, "Image files and folders")->required(pagesNeeded);
     }
 
+    void AddManage() {
+        CLI::App& manage = *m_app.add_subcommand("manage", "Make and change area sets in their dialogs");
+        manage.footer(kManageFooter);
+        AddWindowOptions(manage, m_manage.window, false);
+        manage.callback([this] { m_command = [this] { return ManageSets(m_common, m_manage); }; });
+    }
+
     void AddView() {
         CLI::App& view = *m_app.add_subcommand("view", "Show pages in the page display control");
         view.footer(kViewFooter);
@@ -246,6 +277,7 @@ private:
     ImportOptions m_import;
     MaskOptions m_mask;
     ViewOptions m_view;
+    ManageOptions m_manage;
     FieldsOptions m_fields;
     std::function<ExitCode()> m_command;
 };

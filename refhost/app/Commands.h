@@ -11,6 +11,7 @@ ExitCode ExportSets(const CommonOptions& common, const ExportOptions& options);
 ExitCode ImportSets(const CommonOptions& common, const ImportOptions& options);
 ExitCode MaskPages(const CommonOptions& common, const MaskOptions& options);
 ExitCode ViewPages(const CommonOptions& common, const ViewOptions& options);
+ExitCode ManageSets(const CommonOptions& common, const ManageOptions& options);
 ExitCode PlaceFields(const CommonOptions& common, const FieldsOptions& options);
 
 }  // namespace zonhost

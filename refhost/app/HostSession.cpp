@@ -29,19 +29,40 @@ public:
     ComScope& operator=(const ComScope&) = delete;
 };
 
-void CALLBACK ShowTrace(const HostTrace* trace, void*) {
+// What the libraries report of themselves, as one session hears it.
+struct Reports {
+    bool verbose = false;
+    HostSession::Outcome commits;
+};
+
+void ShowTrace(const HostTrace* trace) {
     PrintError(std::string(trace->source ? trace->source : "") + "(" + std::to_string(trace->line) + "), severity " +
                std::to_string(trace->severity) + ": " + Utf8FromWide(trace->text) + "\n");
 }
 
+constexpr int kErrorSeverity = 2;
+
+void CALLBACK OnTrace(const HostTrace* trace, void* context) {
+    Reports& reports = *static_cast<Reports*>(context);
+    if (reports.verbose) ShowTrace(trace);
+    if (trace->severity == kErrorSeverity && trace->source && std::string_view(trace->source) == "HostSettings") {
+        reports.commits.failure = Utf8FromWide(trace->text);
+    }
+}
+
+DWORD CALLBACK OnCommitStep(int step, void* context) {
+    if (step == kHostStepSwapped) static_cast<Reports*>(context)->commits = {true, {}};
+    return 0;
+}
+
 class LogScope {
 public:
-    explicit LogScope(const CommonOptions& options) {
+    LogScope(const CommonOptions& options, Reports& reports) {
         if (!options.log.empty() && !HostSupportSetLogFile(options.log.c_str())) {
             throw CommandError(ExitCode::kNothingDone, "the log " + Utf8FromPath(options.log) +
                                                            " cannot be opened: " + SystemMessage(GetLastError()));
         }
-        if (options.verbose) HostSupportSetTraceObserver(ShowTrace, nullptr);
+        HostSupportSetTraceObserver(OnTrace, &reports);
     }
     ~LogScope() {
         HostSupportSetTraceObserver(nullptr, nullptr);
@@ -58,13 +79,32 @@ public:
     throw CommandError(ExitCode::kSettings, Utf8FromWide({text ? text : L"", owner.length()}));
 }
 
+ISettingsNodePtr OpenFile(const com::HostDll& store, const fs::path& file) {
+    ISettingsNodePtr root;
+    const auto open = store.Export<decltype(HostSettingsOpenFile)>("HostSettingsOpenFile");
+    if (FAILED(open(file.c_str(), &root))) FailSettings(store);
+    return root;
+}
+
 }  // namespace
 
 // Taken down from the last to the first: the library lets go of the node before COM ends.
 struct HostSession::Parts {
     explicit Parts(const CommonOptions& options)
-        : log(options), classes(L"HostSettings.dll", {host::kClsidSettingsNode, host::kClsidSettingsTransfer}) {}
+        : reports{options.verbose, {}},
+          log(options, reports),
+          classes(L"HostSettings.dll", {host::kClsidSettingsNode, host::kClsidSettingsTransfer}) {
+        SetStep(OnCommitStep);
+    }
+    ~Parts() { SetStep(nullptr); }
+    Parts(const Parts&) = delete;
+    Parts& operator=(const Parts&) = delete;
 
+    void SetStep(HostSettingsStep step) {
+        classes.Dll().Export<decltype(HostSettingsSetStep)>("HostSettingsSetStep")(step, &reports);
+    }
+
+    Reports reports;
     const ComScope com;
     const LogScope log;
     const com::ClassRegistration classes;
@@ -81,15 +121,26 @@ HostSession::HostSession(const CommonOptions& options, Settings settings) : m_pa
     }
     // A new file may be the first of its folder; the store tells when the folder cannot be had.
     if (options.settings.has_parent_path()) fs::create_directories(options.settings.parent_path(), error);
-    const com::HostDll& store = m_parts->classes.Dll();
-    const auto open = store.Export<decltype(HostSettingsOpenFile)>("HostSettingsOpenFile");
-    if (FAILED(open(options.settings.c_str(), &m_parts->root))) FailSettings(store);
+    m_parts->root = OpenFile(m_parts->classes.Dll(), options.settings);
 }
 
 HostSession::~HostSession() = default;
 
 ISettingsNode* HostSession::Node() const {
     return m_parts->root;
+}
+
+void HostSession::Look(const fs::path& file, const std::function<void(ISettingsNode*)>& look) const {
+    const com::HostDll& store = m_parts->classes.Dll();
+    try {
+        look(OpenFile(store, file));
+    } catch (const _com_error&) {
+        FailSettings(store);
+    }
+}
+
+const HostSession::Outcome& HostSession::Commits() const {
+    return m_parts->reports.commits;
 }
 
 ZonwickLibrary& HostSession::Library() {

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "host/SettingsStore.h"
 #include "refhost/app/Options.h"
@@ -26,6 +27,16 @@ public:
     // Changes the node and commits it to the file as a whole. Throws CommandError (kSettings): then the file is as
     // before.
     void Change(const std::function<void(ISettingsNode*)>& change);
+
+    // Shows the settings of another file, which stays as it is. Throws CommandError (kSettings).
+    void Look(const std::filesystem::path& file, const std::function<void(ISettingsNode*)>& look) const;
+    // What became of the commits since the session began: whether one reached the file, and the store's words for the
+    // last one when it failed.
+    struct Outcome {
+        bool saved = false;
+        std::string failure;
+    };
+    const Outcome& Commits() const;
 
 private:
     struct Parts;

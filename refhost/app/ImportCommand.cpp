@@ -2,6 +2,8 @@
 
 #include <comdef.h>
 
+#include <algorithm>
+
 #include "refhost/app/AreaSetFile.h"
 #include "refhost/app/Commands.h"
 #include "refhost/app/Console.h"
@@ -55,17 +57,53 @@ bool IsZoneFile(const std::filesystem::path& path) {
     return FoldCase(Utf8FromPath(path.extension())) == ".uzn";
 }
 
-std::vector<AreaSetRecord> ReadFiles(const ImportOptions& options) {
+bool Wanted(const ImportOptions& options, const std::string& name) {
+    return options.sets.empty() || std::find(options.sets.begin(), options.sets.end(), name) != options.sets.end();
+}
+
+// The sets of another settings file, as of one that the store refused and kept. Only the wanted ones have to be good.
+std::vector<AreaSetRecord> ReadSettingsFile(const HostSession& session, const std::filesystem::path& path,
+                                            const ImportOptions& options) {
+    std::vector<AreaSetRecord> sets;
+    session.Look(path, [&](ISettingsNode* root) {
+        for (const StoredSet& stored : ReadStoredSets(root)) {
+            if (!Wanted(options, stored.name)) continue;
+            const std::string problem = NameProblem(stored.name);
+            if (!problem.empty()) {
+                throw CommandError(ExitCode::kNothingDone, Utf8FromPath(path) + ": " + stored.key +
+                                                               ": the set's name " + problem +
+                                                               "; use --set to import others");
+            }
+            sets.push_back(ReadSet(root, stored));
+        }
+    });
+    return sets;
+}
+
+void ExpectAllFound(const ImportOptions& options, const std::vector<AreaSetRecord>& sets) {
+    for (const std::string& name : options.sets) {
+        if (std::any_of(sets.begin(), sets.end(), [&](const AreaSetRecord& set) { return set.name == name; })) continue;
+        throw CommandError(ExitCode::kNothingDone, "no file holds an area set \"" + name + "\"");
+    }
+}
+
+std::vector<AreaSetRecord> ReadFiles(const HostSession& session, const ImportOptions& options) {
     const ZonePage zonePage = PageOfZones(options);
     std::vector<AreaSetRecord> sets;
     for (const std::filesystem::path& path : options.files) {
+        std::vector<AreaSetRecord> found;
         if (IsZoneFile(path)) {
-            sets.push_back(ReadZoneFile(path, options, zonePage));
-            continue;
+            found.push_back(ReadZoneFile(path, options, zonePage));
+        } else if (const std::string text = ReadTextFile(path, kLongestFile); IsSettings(text)) {
+            found = ReadSettingsFile(session, path, options);
+        } else {
+            found = ParseAreaSets(text, Utf8FromPath(path));
         }
-        const std::string text = ReadTextFile(path, kLongestFile);
-        for (AreaSetRecord& set : ParseAreaSets(text, Utf8FromPath(path))) sets.push_back(std::move(set));
+        for (AreaSetRecord& set : found) {
+            if (Wanted(options, set.name)) sets.push_back(std::move(set));
+        }
     }
+    ExpectAllFound(options, sets);
     return sets;
 }
 
@@ -79,7 +117,7 @@ std::string Describe(const PlannedSet& planned) {
 
 ExitCode ImportSets(const CommonOptions& common, const ImportOptions& options) {
     HostSession session(common, HostSession::Settings::kMayBeNew);
-    std::vector<AreaSetRecord> sets = ReadFiles(options);
+    std::vector<AreaSetRecord> sets = ReadFiles(session, options);
     const auto planned = PlanImport(std::move(sets), ReadStoredSets(session.Node()), options.replace);
     if (!options.dryRun) {
         session.Change([&](ISettingsNode* root) {

@@ -32,7 +32,8 @@ struct ExportOptions {
 
 struct ImportOptions {
     std::vector<std::filesystem::path> files;
-    std::string name;  // of the set of a zone file; empty: the file's name
+    std::vector<std::string> sets;  // names of those to import; none: all
+    std::string name;               // of the set of a zone file; empty: the file's name
     bool ignored = false;
     std::optional<Resolution> resolution;
     std::filesystem::path page;
@@ -56,6 +57,10 @@ struct WindowOptions {
 };
 
 struct ViewOptions {
+    WindowOptions window;
+};
+
+struct ManageOptions {
     WindowOptions window;
 };
 

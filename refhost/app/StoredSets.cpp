@@ -79,6 +79,26 @@ std::vector<StoredSet> ReadStoredSets(ISettingsNode* root) {
     return sets;
 }
 
+AreaSetRecord ReadSet(ISettingsNode* root, const StoredSet& stored) {
+    AreaSetRecord set;
+    set.name = stored.name;
+    const ISettingsNodePtr node = SubNode(root, Name(stored.key));
+    LONGLONG value = 0;
+    if (SUCCEEDED(node->GetInt64(_bstr_t(L"Flags"), &value))) set.flags = static_cast<uint32_t>(value);
+    const ISettingsNodePtr areas = SubNode(node, L"Rect");
+    for (const std::string& name : SubNodeNames(areas)) {
+        const ISettingsNodePtr area = SubNode(areas, Name(name));
+        Rect rect;
+        for (const auto& c : kCoordinates) {
+            if (SUCCEEDED(area->GetInt64(_bstr_t(c.name), &value))) rect.*c.coordinate = static_cast<int32_t>(value);
+        }
+        set.areas.push_back(rect);
+    }
+    set.page = ReadPage(root, stored.key);
+    if (set.page == Rect{}) set.page = DefaultPage(set.areas);
+    return set;
+}
+
 Rect ReadPage(ISettingsNode* root, const std::string& key) {
     ISettingsNodePtr node;
     if (FAILED(SubNode(root, Name(key))->GetSubNode(_bstr_t(L"DisplayRect"), &node)) || !node) return {};

@@ -1,11 +1,32 @@
 #include "refhost/app/WindowHost.h"
 
+#include <algorithm>
+
 #include "host/HostIds.h"
 #include "refhost/app/Console.h"
 #include "refhost/documents/HostDocuments.h"
 #include "refhost/units/HostUnits.h"
 
 namespace zonhost {
+
+namespace {
+
+// Dialogs open where their owner stands: so that one of the usual size comes to the middle of the screen.
+POINT DialogPlace() {
+    constexpr int kDialogWidth = 528;
+    constexpr int kDialogHeight = 384;
+    RECT work{};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    const HDC screen = GetDC(nullptr);
+    const int dpi = screen != nullptr ? GetDeviceCaps(screen, LOGPIXELSX) : USER_DEFAULT_SCREEN_DPI;
+    ReleaseDC(nullptr, screen);
+    const auto centre = [dpi](LONG from, LONG to, int size) {
+        return from + std::max<LONG>(0, (to - from - MulDiv(size, dpi, USER_DEFAULT_SCREEN_DPI)) / 2);
+    };
+    return {centre(work.left, work.right, kDialogWidth), centre(work.top, work.bottom, kDialogHeight)};
+}
+
+}  // namespace
 
 WindowHost::WindowHost(const WindowOptions& options)
     : m_documents(L"HostDocuments.dll", {host::kClsidPageImage}),
@@ -15,11 +36,14 @@ WindowHost::WindowHost(const WindowOptions& options)
         m_units.Dll().Export<decltype(HostSetMeasureSystem)>("HostSetMeasureSystem")(options.units == "mm" ? 1 : 2);
     }
     OpenPages(options.pages);
-    m_owner = CreateWindowExW(0, L"STATIC", L"zonhost", WS_OVERLAPPED, 0, 0, 0, 0, nullptr, nullptr,
+    const POINT place = DialogPlace();
+    m_owner = CreateWindowExW(0, L"STATIC", L"zonhost", WS_OVERLAPPED, place.x, place.y, 0, 0, nullptr, nullptr,
                               GetModuleHandleW(nullptr), nullptr);
     if (m_owner == nullptr) {
         throw CommandError(ExitCode::kNothingDone, "no window can be made: " + SystemMessage(GetLastError()));
     }
+    // Otherwise the first dialog of a program that was started by another one may open inactive.
+    SetForegroundWindow(m_owner);
 }
 
 WindowHost::~WindowHost() {

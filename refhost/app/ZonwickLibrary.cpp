@@ -12,6 +12,7 @@ ZonwickLibrary::ZonwickLibrary()
       m_getAreaRects(m_dll.Export<decltype(SAGetAreaRects)>("SAGetAreaRects")),
       m_mapId2Index(m_dll.Export<decltype(SAMapID2Index)>("SAMapID2Index")),
       m_mapIndex2Id(m_dll.Export<decltype(SAMapIndex2ID)>("SAMapIndex2ID")),
+      m_configure(m_dll.Export<decltype(SAConfigure)>("SAConfigure")),
       m_configurePage(m_dll.Export<decltype(ConfigurePage)>("ConfigurePage")),
       m_createImage(m_dll.Export<decltype(CreateAreaSetImage)>("CreateAreaSetImage")),
       m_freeImage(m_dll.Export<decltype(FreeAreaSetImage)>("FreeAreaSetImage")) {}
@@ -49,6 +50,10 @@ std::vector<AreaSetRecord> ZonwickLibrary::Sets(std::vector<std::string>& unusab
         sets.push_back(std::move(set));
     }
     return sets;
+}
+
+bool ZonwickLibrary::ManageSets(HWND owner, IQuire* pages) const {
+    return m_configure(owner, pages, 0, 0) != FALSE;
 }
 
 bool ZonwickLibrary::PlaceFields(HWND owner, const std::wstring& name, std::vector<SAIndexField>& fields,

@@ -41,6 +41,9 @@ public:
 
     MaskedImage Mask(void* image, const std::wstring& setName) const;
 
+    // Opens "Manage Area Sets"; false when it could not be opened.
+    bool ManageSets(HWND owner, IQuire* pages) const;
+
     // Opens "Configure Area Set" for indexing fields; false when it could not be opened.
     bool PlaceFields(HWND owner, const std::wstring& name, std::vector<SAIndexField>& fields, IConfigHost* host) const;
 
@@ -52,6 +55,7 @@ private:
     decltype(&SAGetAreaRects) m_getAreaRects;
     decltype(&SAMapID2Index) m_mapId2Index;
     decltype(&SAMapIndex2ID) m_mapIndex2Id;
+    decltype(&SAConfigure) m_configure;
     decltype(&ConfigurePage) m_configurePage;
     decltype(&CreateAreaSetImage) m_createImage;
     decltype(&FreeAreaSetImage) m_freeImage;

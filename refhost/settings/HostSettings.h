@@ -82,7 +82,8 @@ enum HostSettingsStepId : int {
 
 extern "C" {
 
-// Called at each step of a commit, for tests of what happens when the process ends or the disk fails just there. 0 goes
+// Called at each step of a commit, for hosts that want to know when the file was written, and for tests of what happens
+// when the process ends or the disk fails just there. 0 goes
 // on, a Win32 error code makes the step fail with it (after kHostStepSwapped it has no effect).
 typedef DWORD(CALLBACK* HostSettingsStep)(int step, void* context);
 
@@ -94,7 +95,7 @@ HRESULT HostSettingsCreateNode(ISettingsNode** node);
 HRESULT HostSettingsCommit(ISettingsNode* root);
 // The text of this process's last failure, never null; the caller frees it.
 HRESULT HostSettingsLastMessage(BSTR* text);
-// Sets what is called at each step of a commit; null ends that. For tests.
+// Sets what is called at each step of a commit; null ends that.
 void HostSettingsSetStep(HostSettingsStep step, void* context);
 // Objects that have not been released. For tests.
 LONG HostSettingsLiveObjects(void);
