@@ -128,12 +128,12 @@ void CSAMgrConfigDlg::OnCreate() {
 void CSAMgrConfigDlg::OnCopy() {
     const int source = GetCurrentItem();
     if (source < 0) return;
+    const std::wstring name = m_list.GetItemText(source, 0);  // before there is a copy that only the list can remove
     const uint32_t dwID = m_pManager->CopySet(GetItemID(source));
     if (dwID == 0) {
         HostMessageBox(GetSafeHwnd(), win32::LoadText(IDS_MANAGE_NOT_CREATED).c_str(), MB_OK | MB_ICONERROR);
         return;
     }
-    const std::wstring name = m_list.GetItemText(source, 0);
     const int item = AppendItem(name, dwID);
     UpdatePreviewControl(item);
     FocusList();

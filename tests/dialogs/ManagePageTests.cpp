@@ -127,6 +127,27 @@ TEST_F(ManagePage, NonsenseSizesAreShownAsTheyAre) {
     EXPECT_EQ(m_tree->Child(L"0x00000001")->Child(L"DisplayRect")->integers[L"Position:right"], -1);
 }
 
+TEST_F(ManagePage, SetsAreConfiguredAlsoWithoutAPageOfNonsenseSize) {
+    for (const int64_t size : {int64_t{0}, int64_t{-1}, int64_t{2147483647}}) {
+        SCOPED_TRACE(size);
+        SetRealSize(size, size);
+        EXPECT_TRUE(Play({[](HWND dialog) { Post(dialog, IDC_MANAGE_CONFIGURE); },
+                          [](HWND dialog) {
+                              EXPECT_EQ(GetTextOfWindow(dialog), L"Configure Area Set - Invoice");
+                              EXPECT_EQ(RowCount(dialog), 2);
+                              PressCancel(dialog);
+                          },
+                          [](HWND dialog) {
+                              EXPECT_EQ(GetTextOfWindow(dialog), L"Manage Area Sets");
+                              PressOk(dialog);
+                          }}));
+        EXPECT_EQ(TakeTraceTexts(),
+                  L"2 CSASetConfigDlg::InitializePageControl: blank page: a host object failed with status "
+                  L"0x80070057.\n");
+        EXPECT_EQ(m_tree->Child(L"0x00000001")->Child(L"Rect")->children.size(), 2u);
+    }
+}
+
 TEST_F(ManagePage, ConfiguringReachesTheHostWithOk) {
     const std::wstring before = m_tree->Dump();
     HWND manage = nullptr;
