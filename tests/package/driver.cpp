@@ -2,8 +2,9 @@
 //     driver version FILE.dll        prints the version in the file's version resource
 //     driver TITLE IDENTIFIER...     waits for a dialog with that title, prints its list's number of items, and presses
 //                                    the buttons with these identifiers, one after the other
-#include <commctrl.h>
 #include <windows.h>
+
+#include <commctrl.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -34,7 +35,6 @@ int PrintVersion(const wchar_t* file) {
 HWND WaitForDialog(const wchar_t* title) {
     for (int i = 0; i < kSeconds * 20; ++i) {
         const HWND dialog = FindWindowW(L"#32770", title);
-        // Complete when its message loop answers.
         if (dialog != nullptr && IsWindowVisible(dialog)) return dialog;
         Sleep(50);
     }
