@@ -149,6 +149,10 @@ std::vector<Placed> Measure(HWND dialog) {
     for (HWND control = GetWindow(dialog, GW_CHILD); control != nullptr; control = GetWindow(control, GW_HWNDNEXT)) {
         wchar_t text[256] = {}, className[64] = {};
         GetWindowTextW(control, text, 256);
+        const int id = GetDlgCtrlID(control);
+        if (id == IDC_CONFIG_LIST_LABEL || id == IDC_CONFIG_SIZE_LABEL || id == IDC_CONFIG_POSITION_LABEL) {
+            wcscat(text, L" [mm]:");  // as the dialog does
+        }
         GetClassNameW(control, className, 64);
         RECT rect, client, needed = {};
         GetWindowRect(control, &rect);
