@@ -208,6 +208,8 @@ void CSAMgrConfigDlg::OnCancel() {
     m_list.SendMessage(LVM_CANCELEDITLABEL);
     try {
         GetApp().RefreshFromHost();
+        // Read in part only; who could not do more than cancel has been told already.
+        if (m_stopped == 0 && !m_pManager->WasLastLoadComplete()) TellFailure(IDS_MANAGE_NOT_REFILLED, __LINE__);
     } catch (...) {
         TellFailure(IDS_MANAGE_NOT_REFILLED, __LINE__);
     }

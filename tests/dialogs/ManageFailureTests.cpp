@@ -124,6 +124,34 @@ TEST_F(ManageFailure, AFailingCancelClosesAndDropsTheCopy) {
     }
 }
 
+// The host's settings came back, but the sets in them could not all be read: told at once, not only when the dialog is
+// opened again.
+TEST_F(ManageFailure, ACancelThatReadsOnlySomeSetsTellsSo) {
+    int told = 0;
+    for (int n = 1; n < 60 && told < 3; ++n) {
+        SCOPED_TRACE(n);
+        Init();
+        TakeTraces();
+        EXPECT_TRUE(Play({[n](HWND dialog) {
+            Host().Reset();
+            Host().failAt = n;
+            PressCancel(dialog);
+        }}));
+        Host().Reset();
+        const std::vector<std::wstring> boxes = TakeHostBoxes();
+        const std::wstring traces = TakeTraceTexts();
+        if (traces.find(L"LoadSettings failed") == std::wstring::npos) continue;
+        ++told;
+        EXPECT_EQ(traces, L"6 CAreaSetManager::LoadSettings failed\n2 #34214\n");
+        ASSERT_EQ(boxes.size(), 1u);
+        EXPECT_TRUE(boxes[0].starts_with(L"The area sets could not be read again after Cancel.")) << boxes[0];
+        EXPECT_TRUE(Play({[](HWND) {}, [](HWND dialog) { EXPECT_FALSE(Enabled(dialog, IDOK)); }, PressCancel}));
+        EXPECT_EQ(TakeHostBoxes().size(), 1u) << "of the dialog that could only be cancelled";
+    }
+    EXPECT_EQ(told, 3);
+    TakeTraces();
+}
+
 TEST_F(ManageFailure, AFailingStackCountsAsNoPage) {
     m_documents.reset();
     const FakePageImageClass images;
