@@ -180,7 +180,12 @@ void CSAMgrConfigDlg::TellFailure(UINT text, int line) {
         trace::TraceText(trace::kDiagnostic, kSource, line, L"CSAMgrConfigDlg: failed with status 0x%08lx.",
                          static_cast<unsigned long>(win32::StatusOf(failure)));
     }
-    trace::TraceStringId(trace::kError, kSource, line, text);
+    if (win32::IsLocalised(text)) {
+        trace::TraceStringId(trace::kError, kSource, line, text);
+    } else {
+        // Loggers look strings up in the translation, and need not know where to go on.
+        trace::TraceText(trace::kError, kSource, line, L"%ls", win32::LoadText(text).c_str());
+    }
     QWMessageBoxExW(GetSafeHwnd(), nullptr, nullptr, MB_ICONERROR, 0, 0, 0, win32::ModuleInstance());
 }
 

@@ -29,6 +29,10 @@ HINSTANCE FindResourceInstance(const wchar_t* type, UINT id) noexcept {
     return there ? g_resources : ModuleInstance();
 }
 
+bool IsLocalised(UINT id) noexcept {
+    return g_resources != nullptr && HasString(g_resources, id);
+}
+
 std::wstring LoadText(UINT id) {
     const wchar_t* text = nullptr;
     const int length = LoadStringW(FindResourceInstance(RT_STRING, id), id, reinterpret_cast<LPWSTR>(&text), 0);

@@ -16,6 +16,9 @@ HINSTANCE ModuleInstance() noexcept;
 // The instance that has the resource: the localised one, or the module's own for what a translation lacks.
 HINSTANCE FindResourceInstance(const wchar_t* type, UINT id) noexcept;
 
+// Whether the localised resources have the string, for components that look nowhere else.
+bool IsLocalised(UINT id) noexcept;
+
 // A string of the module; empty when there is none.
 std::wstring LoadText(UINT id);
 // The same with %1, %2, ... replaced.

@@ -211,4 +211,21 @@ TEST_F(ManageWithoutPreview, CanOnlyBeCancelled) {
     EXPECT_EQ(m_tree->Dump(), before);
 }
 
+// The translation lacks the text too, and hosts may look strings up in the translation alone.
+TEST_F(ManageWithoutPreview, TellsInTheModulesOwnLanguageWhatATranslationLacks) {
+    EXPECT_TRUE(Play({[](HWND) {},
+                      [&](HWND dialog) {
+                          TakeTraces();
+                          Host().Reset();
+                          Host().failAt = 1;
+                          PressCancel(dialog);
+                      }}));
+    Host().Reset();
+    EXPECT_EQ(TakeTraceTexts(),
+              L"6 CSAMgrConfigDlg: failed with status 0x8007000e.\n"
+              L"2 The area sets could not be read again after Cancel. Nothing was saved; restart the application "
+              L"before you go on.\n");
+    TakeHostBoxes();
+}
+
 }  // namespace
