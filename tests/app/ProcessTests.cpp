@@ -281,6 +281,7 @@ TEST_F(Zonhost, WhatCannotBeDoneIsToldAndLeavesTheSettingsAlone) {
         // A good file before a bad one: neither is imported.
         {L"sets import more.json wrong.json", 4, "wrong.json: sets: holds no area set"},
         {L"sets import more.json zones.uzn --dpi 200", 4, "zones.uzn: line 2: height is missing"},
+        {L"sets import --replace sets.json --set Nope", 4, "no file holds an area set \"Nope\""},
         {L"sets import zones.uzn", 2, "use --dpi or --page"},
         {L"sets import --replace more.json sets.json --dry-run", 0, ""},
         {L"--settings damaged.json sets list", 3, "damaged.json"},
@@ -307,6 +308,15 @@ TEST_F(Zonhost, ReplacedSetsKeepTheirIdentifiersAndTheFileWhatItHeld) {
     const Result list = Run(L"sets list");
     EXPECT_THAT(list.out, HasSubstr("0x0000002a  Keep      1  required"));
     EXPECT_THAT(list.out, HasSubstr("0x0000002b  Drop      1  ignored"));
+}
+
+TEST_F(Zonhost, SingleSetsComeBackFromASettingsFileThatWasKept) {
+    Import();
+    fs::rename(m_folder / "settings.json", m_folder / "settings.json.refused-1");
+    const Result result = Run(L"sets import settings.json.refused-1 --set Drop");
+    ASSERT_EQ(result.code, 0u) << result.err;
+    EXPECT_THAT(Run(L"sets list").out, testing::AllOf(HasSubstr("Drop      1  ignored"), Not(HasSubstr("Keep"))));
+    EXPECT_THAT(Run(L"sets show Drop").out, HasSubstr("2.0       1.0      12.0       6.0"));
 }
 
 TEST_F(Zonhost, ExportedSetsAndZonesComeBackTheSame) {
