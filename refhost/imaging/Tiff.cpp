@@ -49,16 +49,29 @@ bool IsPointer(uint32_t tag) {
 constexpr uint32_t kCompression = 259;
 constexpr uint32_t kOldJpeg = 6;
 
+// Entries of the directory at `offset`, 0 when it does not lie in the file.
+size_t CountEntries(std::span<const uint8_t> file, size_t offset, bool bigEndian) {
+    if (offset < 8 || offset > file.size() || file.size() - offset < 2) return 0;
+    const size_t count = Get16(file, offset, bigEndian);
+    return (file.size() - offset - 2) / kEntrySize < count ? 0 : count;
+}
+
+// Where the directory after the one at `offset` stands. Its entries are not looked at: overlapping directories would
+// make a walk through a small file very long.
+uint32_t NextDirectory(std::span<const uint8_t> file, size_t offset, bool bigEndian) {
+    const size_t count = CountEntries(file, offset, bigEndian);
+    return count == 0 ? 0 : Get32(file, offset + 2 + count * kEntrySize, bigEndian);
+}
+
 }  // namespace
 
 std::optional<TiffDirectory> TiffDirectory::Read(std::span<const uint8_t> file, size_t offset, bool bigEndian) {
-    if (offset < 8 || offset > file.size() || file.size() - offset < 2) return {};
-    const size_t count = Get16(file, offset, bigEndian);
-    if (count == 0 || (file.size() - offset - 2) / kEntrySize < count) return {};
+    const size_t count = CountEntries(file, offset, bigEndian);
+    if (count == 0) return {};
     TiffDirectory directory;
     directory.m_file = file;
     directory.m_bigEndian = bigEndian;
-    directory.m_next = Get32(file, offset + 2 + count * kEntrySize, bigEndian);
+    directory.m_next = NextDirectory(file, offset, bigEndian);
     for (size_t i = 0; i < count; ++i) {
         const size_t at = offset + 2 + i * kEntrySize;
         TiffEntry entry = {Get16(file, at, bigEndian), Get16(file, at + 2, bigEndian), Get32(file, at + 4, bigEndian),
@@ -123,9 +136,8 @@ std::optional<TiffDirectory> TiffFrame(std::span<const uint8_t> file, uint32_t f
     std::set<uint32_t> seen;
     uint32_t offset = Get32(file, 4, bigEndian);
     for (uint32_t index = 0; index < kMaxFrames && seen.insert(offset).second; ++index) {
-        auto directory = TiffDirectory::Read(file, offset, bigEndian);
-        if (!directory || index == frame) return directory;
-        offset = directory->Next();
+        if (index == frame) return TiffDirectory::Read(file, offset, bigEndian);
+        offset = NextDirectory(file, offset, bigEndian);
     }
     return {};
 }
@@ -139,7 +151,7 @@ uint32_t CountTiffFrames(const ReadAt& read) {
     uint32_t frames = 0;
     while (frames < kMaxFrames && offset >= sizeof header && seen.insert(offset).second) {
         uint8_t number[4];
-        if (!read(offset, number, 2)) break;
+        if (!read(offset, number, 2)) return frames + 1;
         const size_t entries = Get16(std::span(number), 0, bigEndian);
         const uint64_t next = uint64_t{offset} + 2 + entries * kEntrySize;
         if (entries == 0 || next > UINT32_MAX) break;

@@ -160,6 +160,14 @@ ImageFile::ImageFile(std::wstring name, std::vector<uint8_t> bytes)
     Check(m_stream->InitializeFromMemory(m_bytes.data(), static_cast<DWORD>(m_bytes.size())));
     Check(m_factory->CreateDecoderFromStream(m_stream, nullptr, WICDecodeMetadataCacheOnDemand, &m_decoder));
     Check(m_decoder->GetFrameCount(&m_frames));
+    // The decoder leaves out pages behind a broken link without a word, and counts thousands where links run in a
+    // circle.
+    const uint32_t linked = CountTiffFrames([&](uint32_t offset, uint8_t* to, size_t size) {
+        if (offset > m_bytes.size() || m_bytes.size() - offset < size) return false;
+        std::copy_n(m_bytes.begin() + offset, size, to);
+        return true;
+    });
+    if (linked > 0) m_frames = linked;
     if (m_frames == 0) throw ImageError{L"the file holds no image; scan or export the page again"};
 }
 

@@ -156,6 +156,18 @@ TEST(Tiff, DirectoriesInACircleEnd) {
     EXPECT_EQ(CountTiffFrames(ReaderOf(file)), 1u);
 }
 
+// A file of several pages that was cut off: the page behind the link that leads nowhere is there to be told as missing.
+TEST(Tiff, ALinkOutOfTheFileCountsThePageThatIsMissing) {
+    std::vector<uint8_t> file = ReadTestFile(kFaxPages);
+    const size_t first = file[4] | file[5] << 8;
+    const size_t next = first + 2 + size_t{12} * file[first];
+    file[next + 3] = 0x7F;
+    EXPECT_EQ(CountTiffFrames(ReaderOf(file)), 2u);
+    EXPECT_TRUE(TiffFrame(file, 0));
+    EXPECT_FALSE(TiffFrame(file, 1));
+    EXPECT_TRUE(ReadFileFacts(file, 1).truncated);
+}
+
 TEST(Damage, ChangedBytesNeverLeadOutsideTheFile) {
     std::mt19937 random(3);
     for (const std::string& path : AllFiles()) {
