@@ -27,7 +27,7 @@ private:
     // Set-up, page source, OK and Cancel (SAMgrConfigDlg.cpp)
     void FillList();
     void InitializePageSource();
-    bool IsPageAvailable();
+    static bool IsPageAvailable();
     void StopInitialisation(UINT reason);
     void WritePageSource();
     LRESULT OnStopped(WPARAM wParam, LPARAM lParam);
