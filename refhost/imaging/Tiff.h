@@ -58,8 +58,8 @@ std::optional<TiffDirectory> TiffFrame(std::span<const uint8_t> file, uint32_t f
 using ReadAt = std::function<bool(uint32_t offset, uint8_t* to, size_t size)>;
 
 // The number of frames, found with a few small reads, so that a large file need not be read to know its pages. 0 for
-// what is no TIFF. A chain that runs in a circle counts up to there; one that leads out of the file counts the page that
-// is missing, so that its loss is told when the page is asked for.
+// what is no TIFF. A chain that runs in a circle counts up to there; one that leads out of the file counts the page
+// that is missing, so that its loss is told when the page is asked for.
 uint32_t CountTiffFrames(const ReadAt& read);
 
 // A TIFF file with just that frame, its image data byte for byte; empty when the frame cannot be taken out (damaged, or
