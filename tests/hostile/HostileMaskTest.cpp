@@ -57,6 +57,12 @@ TEST(HostileMask, DamagedPagesAreToldAndGoodOnesDone) {
     std::ofstream(folder / "sets.json")
         << R"({"sets":[{"name":"Drop","mode":"ignored","areas":[{"left":0,"top":0,"right":9,"bottom":9}]}]})";
 
+    // The folder of the pages is the current one; no library may be taken from there.
+    for (const char* name : {"Zonwick.dll", "Zonwick.en.dll", "HostSettings.dll", "HostControls.dll",
+                             "windowscodecs.dll", "atl.dll", "uxtheme.dll"}) {
+        hostile::WriteBytes(folder / name, {'M', 'Z'});
+    }
+
     ASSERT_EQ(RunZonhost(folder, L"--settings s.json sets import sets.json"), 0u) << Told(folder);
     EXPECT_EQ(RunZonhost(folder, L"--settings s.json mask --set Drop --out out in"), 1u) << Told(folder);
     const std::string told = Told(folder);
