@@ -64,12 +64,12 @@ TEST_F(HostileImages, ChangedBytesDoNoHarm) {
     const bool thorough = std::getenv("ZONWICK_TEST_LONG") != nullptr;
     for (const Sample& sample : hostile::Samples()) {
         // Headers and directories; pixels in between are of no interest.
-        constexpr size_t kHeader = 160;
+        constexpr size_t kHeader = 100;
         for (size_t place = 0; place < sample.bytes.size(); ++place) {
             if (!thorough && place >= kHeader && place + kHeader < sample.bytes.size()) continue;
             Bytes bytes = sample.bytes;
             const uint8_t old = bytes[place];
-            for (const int value : {0x00, 0xFF, old ^ 0x80, old + 1, old ^ 0x01}) {
+            for (const int value : {0xFF, old ^ 0x80, old ^ 0x01}) {
                 bytes[place] = static_cast<uint8_t>(value);
                 if (bytes[place] != old) Try(bytes);
             }
