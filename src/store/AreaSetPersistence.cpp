@@ -1,4 +1,5 @@
 // How the area sets stand in the settings node: one sub-node per set, named after its identifier.
+#include <new>
 #include <string>
 
 #include "store/AreaSetManager.h"
@@ -19,13 +20,16 @@ constexpr Coordinate kCoordinates[] = {{kKeyBottom, &PageRect::bottom},
                                        {kKeyRight, &PageRect::right},
                                        {kKeyTop, &PageRect::top}};
 
-// An unreadable rectangle is empty as a whole.
+// An unreadable rectangle is empty as a whole. Without memory nothing was found out about it: it is not taken for empty
+// and stored as such later.
 PageRect ReadRect(SettingsNode& node, const std::wstring& name) {
     try {
         PageRect rect;
         const auto sub = node.GetSubNode(name);
         for (const auto& [key, member] : kCoordinates) rect.*member = static_cast<int32_t>(sub->GetInt64(key));
         return rect;
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (...) {
         return {};
     }
@@ -47,6 +51,8 @@ template <class Read>
 void ReadOptional(Read read) {
     try {
         read();
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (...) {
         return;
     }

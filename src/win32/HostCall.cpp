@@ -1,6 +1,7 @@
 #include "win32/HostCall.h"
 
 #include <limits>
+#include <new>
 
 namespace win32 {
 
@@ -29,9 +30,9 @@ HRESULT CreateRunningObject(REFCLSID classId, REFIID iid, void** object) noexcep
 }
 
 Bstr::Bstr(std::wstring_view text) {
-    if (text.size() > std::numeric_limits<INT>::max() / sizeof(wchar_t)) throw _com_error(E_OUTOFMEMORY);
+    if (text.size() > std::numeric_limits<INT>::max() / sizeof(wchar_t)) throw std::bad_alloc();
     m_text = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
-    if (m_text == nullptr) throw _com_error(E_OUTOFMEMORY);
+    if (m_text == nullptr) throw std::bad_alloc();
 }
 
 }  // namespace win32

@@ -5,6 +5,7 @@
 #include <comdef.h>
 #include <comip.h>
 
+#include <new>
 #include <string_view>
 
 namespace win32 {
@@ -30,6 +31,8 @@ Value ReadOr(Value fallback, Read read) {
         return static_cast<Value>(read());
     } catch (const _com_error&) {
         return fallback;
+    } catch (const std::bad_alloc&) {
+        return fallback;
     }
 }
 
@@ -52,7 +55,7 @@ _com_ptr_t<_com_IIID<Interface, &__uuidof(Interface)>> CreateHostObject(REFCLSID
 class Bstr {
 public:
     Bstr() = default;
-    // A copy, NULs included; E_OUTOFMEMORY is thrown.
+    // A copy, NULs included; throws std::bad_alloc.
     explicit Bstr(std::wstring_view text);
     ~Bstr() { SysFreeString(m_text); }
     Bstr(const Bstr&) = delete;

@@ -1,0 +1,18 @@
+#pragma once
+// Closes whatever dialogs come up while something runs, whether one does or not.
+
+#include <windows.h>
+
+#include <functional>
+
+namespace test {
+
+// While `body` runs, each new dialog above the one that is in front now is handed to `first`; one that is still there
+// afterwards is given up: `giveUp`, and then Cancel.
+void Pilot(const std::function<void(HWND dialog)>& first, const std::function<void()>& giveUp,
+           const std::function<void()>& body);
+
+// The visible and enabled dialog of this thread; null when there is none.
+HWND FrontDialog();
+
+}  // namespace test

@@ -1,0 +1,65 @@
+#pragma once
+// Faults of every kind that the module can meet, each at its n-th chance, and counts of what the module holds.
+
+#include <windows.h>
+
+#include "faults/ImportHook.h"
+
+namespace test {
+
+enum class Fault {
+    kSettings,       // a call of the host's settings fails
+    kSettingsNull,   // or gives null
+    kPart,           // a call of another part of the host fails: pages, units, page display
+    kObject,         // an object of a host class cannot be made
+    kMemory,         // the module's memory
+    kString,         // a BSTR
+    kLockAbandoned,  // the lock's owner had ended
+    kLockFailed,     // the lock cannot be waited for
+    kImaging,        // the imaging library refuses
+    kCodec,          // the system's codecs, as the host's parts create them
+    kWindow,         // a window, dialog, menu or subclass
+    kDrawing,        // a device context or bitmap
+    kCount
+};
+const char* NameOf(Fault kind);
+
+struct FaultPlan {
+    Fault kind = Fault::kCount;
+    int at = 0;
+    bool keep = false;
+    int met = 0;
+    int injected = 0;
+};
+
+// What the module holds now.
+struct Holdings {
+    size_t blocks, strings;
+    int objects;
+    long userObjects, gdiObjects, handles;
+};
+
+// While it lives, chances for faults are counted in Zonwick.dll and the host's parts, which have to be loaded.
+class FaultHooks {
+public:
+    FaultHooks();
+    ~FaultHooks();
+    FaultHooks(const FaultHooks&) = delete;
+    FaultHooks& operator=(const FaultHooks&) = delete;
+
+    // All operations of an object's interface can fail from now on.
+    void Gate(void* object, size_t slots);
+
+    // From now on the n-th chance of the kind fails; on this thread.
+    static void Arm(Fault kind, int at, bool keep);
+    // No more faults; what came of the last ones.
+    static FaultPlan Disarm();
+    static Holdings Measure();
+    // Whether nobody holds the lock of the area sets.
+    static bool IsLockFree();
+
+private:
+    PointerHooks m_hooks;
+};
+
+}  // namespace test
