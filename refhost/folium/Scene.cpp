@@ -1,6 +1,9 @@
 #include "refhost/folium/Scene.h"
 
 #include <algorithm>
+#include <iterator>
+#include <tuple>
+#include <unordered_map>
 
 namespace folium {
 
@@ -95,17 +98,19 @@ uint32_t SecondColor(uint32_t line, uint32_t wanted) {
 }
 
 std::vector<Shape> CollectShapes(const RectModel& model, const RectEditor& editor, const Viewport& view) {
+    std::vector<int32_t> selection = model.Selection();
+    std::sort(selection.begin(), selection.end());
+    std::unordered_map<int32_t, Rect> drafts;
+    for (const Draft& draft : editor.Drafts()) drafts[draft.id] = draft.now;
+
     std::vector<Shape> shapes;
+    shapes.reserve(model.Items().size() + drafts.size());
     for (const Item& item : model.Items()) {
-        Shape shape = {item.id, {}, model.IsSelected(item.id), model.Primary() == item.id, false};
-        Rect rect = item.rect;
-        for (const Draft& draft : editor.Drafts()) {
-            if (draft.id != item.id) continue;
-            rect = draft.now;
-            shape.draft = true;
-        }
-        shape.box = view.ToClient(rect);
-        shapes.push_back(shape);
+        const bool selected = std::binary_search(selection.begin(), selection.end(), item.id);
+        const auto draft = drafts.find(item.id);
+        const bool dragged = draft != drafts.end();
+        shapes.push_back({item.id, view.ToClient(dragged ? draft->second : item.rect), selected,
+                          model.Primary() == item.id, dragged});
     }
     for (const Draft& draft : editor.Drafts()) {
         if (draft.id == 0) shapes.push_back({0, view.ToClient(draft.now), true, true, true});
@@ -114,6 +119,24 @@ std::vector<Shape> CollectShapes(const RectModel& model, const RectEditor& edito
         return a.selected + 2 * a.primary < b.selected + 2 * b.primary;
     });
     return shapes;
+}
+
+std::vector<Shape> ChangedShapes(const std::vector<Shape>& before, const std::vector<Shape>& after) {
+    const auto key = [](const Shape& s) {
+        return std::tuple(s.id, s.box.left, s.box.top, s.box.right, s.box.bottom, s.selected, s.primary, s.draft);
+    };
+    const auto less = [&](const Shape& a, const Shape& b) { return key(a) < key(b); };
+    const auto start = std::mismatch(before.begin(), before.end(), after.begin(), after.end());
+    const auto end = std::mismatch(before.rbegin(), std::make_reverse_iterator(start.first), after.rbegin(),
+                                   std::make_reverse_iterator(start.second));
+    std::vector<Shape> gone(start.first, end.first.base());
+    std::vector<Shape> come(start.second, end.second.base());
+    std::sort(gone.begin(), gone.end(), less);
+    std::sort(come.begin(), come.end(), less);
+    std::vector<Shape> changed;
+    std::set_symmetric_difference(gone.begin(), gone.end(), come.begin(), come.end(), std::back_inserter(changed),
+                                  less);
+    return changed;
 }
 
 PixelRect ShapeExtent(const Shape& shape, const Viewport& view) {

@@ -33,6 +33,9 @@ struct Shape {
 
 // In painting order: selected ones and drafts over the others.
 std::vector<Shape> CollectShapes(const RectModel& model, const RectEditor& editor, const Viewport& view);
+// What stands in one list alone: all that looks different. Quick when the lists are alike at their ends, as they are
+// unless many shapes changed.
+std::vector<Shape> ChangedShapes(const std::vector<Shape>& before, const std::vector<Shape>& after);
 // Everything that the shape draws lies in it.
 PixelRect ShapeExtent(const Shape& shape, const Viewport& view);
 // Half the side of a handle, in pixels.

@@ -14,13 +14,7 @@ void FoliumWindow::ShapesChanged() {
     if (m_hwnd == nullptr) return;
     const Viewport& view = m_display.view;
     std::vector<Shape> shapes = CollectShapes(m_display.model, m_display.editor, view);
-    const auto invalidateMissing = [&](const std::vector<Shape>& from, const std::vector<Shape>& in) {
-        for (const Shape& shape : from) {
-            if (std::find(in.begin(), in.end(), shape) == in.end()) Invalidate(ShapeExtent(shape, view));
-        }
-    };
-    invalidateMissing(m_shapes, shapes);
-    invalidateMissing(shapes, m_shapes);
+    for (const Shape& shape : ChangedShapes(m_shapes, shapes)) Invalidate(ShapeExtent(shape, view));
     m_shapes = std::move(shapes);
 
     const PixelRect before = m_readout.Place();

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <set>
 
@@ -153,6 +154,31 @@ TEST(Scene, ExtentHoldsAllThatAShapeDraws) {
             }
         }
     }
+}
+
+TEST(Scene, ChangesAreWhatOneListHasAlone) {
+    std::vector<Shape> before;
+    for (int id = 1; id <= 20; ++id) before.push_back({id, {id, 0, id + 5, 5}, false, false, false});
+    const auto expectChanged = [&](std::vector<Shape> after, std::multiset<int> ids) {
+        std::multiset<int> found, back;
+        for (const Shape& shape : ChangedShapes(before, after)) found.insert(shape.id);
+        for (const Shape& shape : ChangedShapes(after, before)) back.insert(shape.id);
+        EXPECT_EQ(found, ids);
+        EXPECT_EQ(back, ids);
+    };
+    expectChanged(before, {});
+    auto after = before;
+    after[4].box.right += 1;
+    after[17].selected = true;
+    expectChanged(after, {5, 5, 18, 18});
+    std::rotate(after.begin() + 2, after.begin() + 3, after.end());
+    expectChanged(after, {5, 5, 18, 18});  // another order looks the same
+    after = before;
+    after.erase(after.begin() + 7);
+    after.insert(after.begin() + 3, {21, {9, 9, 12, 12}, true, true, false});
+    expectChanged(after, {8, 21});
+    after.clear();
+    expectChanged(after, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20});
 }
 
 }  // namespace
