@@ -39,6 +39,30 @@ bool RunDialog(CSASetConfigDlg& dialog, HWND hParent, INT_PTR& result) {
     return false;
 }
 
+// The body's result; when it throws, the failure is traced and the user is told.
+template <class Body>
+BOOL ReportFailure(HWND hParent, int line, const wchar_t* name, Body body) noexcept {
+    try {
+        return body();
+    } catch (...) {
+        win32::TraceFailure(std::current_exception(), kSource, line, name);
+        return exports::ReportDialogFailure(hParent, line, trace::kDiagnostic, kDoModalFailed);
+    }
+}
+
+// A copy of the set to work on; null when there is no such set, or no memory.
+std::unique_ptr<CAreaSet> CopyOf(DWORD dwID) {
+    try {
+        const CAreaSet* pSet = GetAreaSetManager()->GetAreaSet(uint32_t{dwID});
+        if (pSet == nullptr) return nullptr;
+        auto copy = std::make_unique<CAreaSet>();
+        *copy = *pSet;
+        return copy;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 BOOL ConfigureSet(HWND hParent, DWORD dwID) {
     if (!GetApp().GetQuire()) return FALSE;
     const exports::DialogScope scope(g_configuringSet, L"SAConfigureSet");
@@ -50,13 +74,11 @@ BOOL ConfigureSet(HWND hParent, DWORD dwID) {
                                             L"SAConfigureSet: CWnd::FromHandle(hParent) returned NULL.");
     }
     CAreaSetManager& manager = *GetAreaSetManager();
-    const CAreaSet* pSet = manager.GetAreaSet(uint32_t{dwID});
-    const std::unique_ptr<CAreaSet> pNewSet(new (std::nothrow) CAreaSet);
-    if (pSet == nullptr || pNewSet == nullptr) {
+    const std::unique_ptr<CAreaSet> pNewSet = CopyOf(dwID);
+    if (pNewSet == nullptr) {
         return exports::ReportDialogFailure(hParent, __LINE__, trace::kDiagnostic,
                                             L"SAConfigureSet: pSet or pNewSet is NULL.");
     }
-    *pNewSet = *pSet;
     CWnd parent(hParent);
     CSASetConfigDlg dialog(pNewSet.get(), GetAreaColors(), {}, &parent);
     INT_PTR result = 0;
@@ -100,8 +122,11 @@ void TakeFields(const SAIndexField* fields, int count, CAreaSet& set, std::vecto
 }
 
 void GiveFields(CSASetConfigDlg& dialog, SAIndexField* fields, int count) {
+    // All or none: a name may find no memory.
+    std::vector<PageRect> rects;
+    for (int i = 0; i < count; ++i) rects.push_back(dialog.GetFieldRect(NameOf(fields[i])));
     for (int i = 0; i < count; ++i) {
-        const PageRect rect = dialog.GetFieldRect(NameOf(fields[i]));
+        const PageRect rect = rects[static_cast<size_t>(i)];
         fields[i].top = rect.top;
         fields[i].bottom = rect.bottom;
         fields[i].right = rect.right;
@@ -109,22 +134,7 @@ void GiveFields(CSASetConfigDlg& dialog, SAIndexField* fields, int count) {
     }
 }
 
-BOOL ConfigurePageFields(HWND a_hParent, LPCWSTR name, SAIndexField* fields, int count, IConfigHost* host, int document,
-                         int page) {
-    if (host == nullptr) return FALSE;
-    const exports::DialogScope scope(g_configuringPage, L"ConfigurePage");
-    if (scope.Refused()) return FALSE;
-    if (fields == nullptr && count > 0) {
-        trace::TraceText(trace::kDiagnostic, kSource, __LINE__, L"ConfigurePage: fields is NULL.");
-        return FALSE;
-    }
-    const HostScope hostScope(host);
-    IQuirePtr quire;
-    CallHost(host, &IConfigHost::GetQuire, &quire);
-    GetApp().SetQuire(quire);
-    quire = nullptr;
-    GetApp().SetStartPosition(document, page);
-
+BOOL ConfigureFields(HWND a_hParent, LPCWSTR name, SAIndexField* fields, int count) {
     const win32::ResourceScope resources;
     if (!exports::LoadSetsOrReport(a_hParent, __LINE__)) return FALSE;
     if (!IsWindow(a_hParent)) {
@@ -143,12 +153,31 @@ BOOL ConfigurePageFields(HWND a_hParent, LPCWSTR name, SAIndexField* fields, int
     return TRUE;
 }
 
+BOOL ConfigurePageFields(HWND a_hParent, LPCWSTR name, SAIndexField* fields, int count, IConfigHost* host, int document,
+                         int page) {
+    if (host == nullptr) return FALSE;
+    const exports::DialogScope scope(g_configuringPage, L"ConfigurePage");
+    if (scope.Refused()) return FALSE;
+    if (fields == nullptr && count > 0) {
+        trace::TraceText(trace::kDiagnostic, kSource, __LINE__, L"ConfigurePage: fields is NULL.");
+        return FALSE;
+    }
+    const HostScope hostScope(host);
+    IQuirePtr quire;
+    CallHost(host, &IConfigHost::GetQuire, &quire);
+    GetApp().SetQuire(quire);
+    quire = nullptr;
+    GetApp().SetStartPosition(document, page);
+    return ReportFailure(a_hParent, __LINE__, L"ConfigurePage",
+                         [&] { return ConfigureFields(a_hParent, name, fields, count); });
+}
+
 }  // namespace
 
 extern "C" {
 
 BOOL WINAPI SAConfigureSet(HWND hParent, DWORD dwID) {
-    return module::Contain(kSource, __LINE__, L"SAConfigureSet", FALSE, [&] { return ConfigureSet(hParent, dwID); });
+    return ReportFailure(hParent, __LINE__, L"SAConfigureSet", [&] { return ConfigureSet(hParent, dwID); });
 }
 
 BOOL WINAPI ConfigurePage(HWND a_hParent, LPCWSTR name, SAIndexField* fields, int count, IConfigHost* host,

@@ -47,10 +47,10 @@ bool EveryChance() {
     static const bool all = std::getenv("ZONWICK_TEST_LONG") != nullptr;
     return all;
 }
-// The next chance that fails: each of the first ones, then ever fewer.
+// The next chance that fails: each of the first ones, then ever fewer; a dialog takes long to open.
 int Next(int n, bool dialog) {
     if (EveryChance()) return n + 1;
-    return dialog ? n + 1 + n / 2 : n + 1 + n / 40;
+    return dialog ? n * 2 : n + 1 + n / 40;
 }
 
 }  // namespace
