@@ -4,42 +4,16 @@
 #include <objbase.h>
 #include <windows.h>
 
-#include <filesystem>
-#include <fstream>
-#include <random>
-#include <sstream>
-
+#include "app/ZonhostFixture.h"
 #include "refhost/app/PageImages.h"
 #include "refhost/app/Text.h"
 
+using namespace test;
 using namespace zonhost;
 using testing::HasSubstr;
 using testing::Not;
-namespace fs = std::filesystem;
 
 namespace {
-
-std::string ReadAll(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
-void WriteAll(const fs::path& path, const std::string& text) {
-    std::ofstream(path, std::ios::binary) << text;
-}
-
-struct Result {
-    DWORD code = 0xFFFF;
-    std::string out;
-    std::string err;
-};
-
-HANDLE OutputTo(const fs::path& path) {
-    SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-    return CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr);
-}
 
 // A 1-bit page of 200 x 100 pixels at 254 dpi (a pixel is a tenth of a millimetre) with a pattern of its own.
 constexpr int kWidth = 200;
@@ -92,65 +66,20 @@ struct Page {
     }
 };
 
-class Zonhost : public testing::Test {
+class Zonhost : public ZonhostFolder {
 protected:
     static void SetUpTestSuite() { ASSERT_HRESULT_SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)); }
     static void TearDownTestSuite() { CoUninitialize(); }
 
-    // A folder with a name outside every code page.
     void SetUp() override {
-        m_folder = fs::temp_directory_path() / (L"zonhost \u00E9\u4E2D " + std::to_wstring(std::random_device{}()) +
-                                                L"-" + std::to_wstring(GetCurrentProcessId()));
-        fs::create_directories(m_folder / "in");
-        WriteAll(m_folder / "sets.json",
-                 R"({"sets":[{"name":"Keep","mode":"required","areas":[{"left":20,"top":10,"right":120,"bottom":60}]},)"
-                 R"({"name":"Drop","mode":"ignored","areas":[{"left":20,"top":10,"right":120,"bottom":60}]}]})");
+        ZonhostFolder::SetUp();
         for (int i = 0; i < 3; ++i) WriteAll(m_folder / "in" / ("page" + std::to_string(i) + ".bmp"), PageBmp(i));
-    }
-    void TearDown() override {
-        std::error_code error;
-        fs::remove_all(m_folder, error);
-    }
-
-    // Runs with the folder as the current one and its settings.json; `arguments` as typed.
-    Result Run(const std::wstring& arguments) {
-        wchar_t self[MAX_PATH];
-        GetModuleFileNameW(nullptr, self, MAX_PATH);
-        std::wstring line = L"\"" + fs::path(self).replace_filename(L"zonhost.exe").wstring() +
-                            L"\" --settings settings.json " + arguments;
-        const fs::path out = m_folder / "stdout", err = m_folder / "stderr";
-        STARTUPINFOW startup{};
-        startup.cb = sizeof startup;
-        startup.dwFlags = STARTF_USESTDHANDLES;
-        startup.hStdOutput = OutputTo(out);
-        startup.hStdError = OutputTo(err);
-        PROCESS_INFORMATION process{};
-        Result result;
-        if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, m_folder.c_str(), &startup,
-                           &process)) {
-            WaitForSingleObject(process.hProcess, INFINITE);
-            GetExitCodeProcess(process.hProcess, &result.code);
-            CloseHandle(process.hThread);
-            CloseHandle(process.hProcess);
-        }
-        CloseHandle(startup.hStdOutput);
-        CloseHandle(startup.hStdError);
-        result.out = ReadAll(out);
-        result.err = ReadAll(err);
-        return result;
-    }
-
-    void Import() {
-        const Result result = Run(L"sets import sets.json");
-        ASSERT_EQ(result.code, 0u) << result.err;
     }
 
     size_t FilesIn(const char* folder) const {
         std::error_code error;
         return static_cast<size_t>(std::distance(fs::directory_iterator(m_folder / folder, error), {}));
     }
-
-    fs::path m_folder;
 };
 
 // Area of both sets in pixels; an edge at n tenths touches no pixel beyond n - 1.
