@@ -118,4 +118,27 @@ TEST_F(ExportFaults, TheLockTellsWhatBecameOfIt) {
     }
 }
 
+// What the loop rests on: a block that stays, a string that stays and a lock that is held are seen.
+TEST_F(ExportFaults, TheLoopSeesWhatIsLeftBehind) {
+    const Holdings before = FaultHooks::Measure();
+    BYTE* block = nullptr;
+    DWORD length = 0;
+    ASSERT_TRUE(Export<decltype(::CreateAreaSetImage)>("CreateAreaSetImage")(m_page, L"Letter", &block, &length));
+    EXPECT_EQ(FaultHooks::Measure().blocks, before.blocks + 1);
+    Export<decltype(::FreeAreaSetImage)>("FreeAreaSetImage")(block);
+    EXPECT_EQ(FaultHooks::Measure().blocks, before.blocks);
+
+    BSTR text = SysAllocStringLen(L"left", 4);
+    EXPECT_EQ(FaultHooks::Measure().strings, before.strings + 1);
+    SysFreeString(text);
+    EXPECT_EQ(FaultHooks::Measure().strings, before.strings);
+
+    const HANDLE lock = CreateMutexW(nullptr, TRUE, L"SASyncMutex");
+    if (GetLastError() == ERROR_ALREADY_EXISTS) WaitForSingleObject(lock, 0);
+    EXPECT_FALSE(FaultHooks::IsLockFree());
+    ReleaseMutex(lock);
+    EXPECT_TRUE(FaultHooks::IsLockFree());
+    CloseHandle(lock);
+}
+
 }  // namespace

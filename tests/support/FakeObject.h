@@ -11,6 +11,7 @@ struct HostControl {
     int failAt = 0;  // 1 is the next call; 0 never
     bool keepFailing = false;
     bool giveNull = false;  // the failing call succeeds but hands out null where it can
+    bool copyHalf = false;  // a failing CopyNode has copied the first half
     int liveObjects = 0;
     HRESULT createSettingsNode = S_OK;  // results of the class factories
     HRESULT createTransfer = S_OK;
@@ -18,7 +19,7 @@ struct HostControl {
     void Reset() {
         calls = 0;
         failAt = 0;
-        keepFailing = giveNull = false;
+        keepFailing = giveNull = copyHalf = false;
     }
     // True when this call is to fail.
     bool Fails() {
@@ -45,8 +46,8 @@ public:
         if (iid != IID_IUnknown) {
             if (FAILED(m_queryStatus)) return m_queryStatus;
             if (iid != __uuidof(Interface)) return E_NOINTERFACE;
-            if (Host().Fails()) return E_FAIL;
         }
+        if (Host().Fails()) return E_FAIL;
         AddRef();
         *object = static_cast<Interface*>(this);
         return S_OK;

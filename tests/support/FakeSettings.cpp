@@ -136,9 +136,12 @@ private:
 class FakeTransfer final : public FakeDispatch<ISettingsTransfer> {
 public:
     HRESULT STDMETHODCALLTYPE CopyNode(ISettingsNode* target, ISettingsNode* source) override {
-        if (Host().Fails()) return E_FAIL;
-        static_cast<FakeNode*>(target)->Replace(*TreeOf(source)->Clone());
-        return S_OK;
+        const bool fails = Host().Fails();
+        if (fails && !Host().copyHalf) return E_FAIL;
+        const auto copy = TreeOf(source)->Clone();
+        if (fails) copy->children.resize(copy->children.size() / 2);
+        static_cast<FakeNode*>(target)->Replace(*copy);
+        return fails ? E_FAIL : S_OK;
     }
     HRESULT STDMETHODCALLTYPE ClearNode(ISettingsNode* target) override {
         if (Host().Fails()) return E_FAIL;
