@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdint>
 #include <limits>
 
 namespace win32 {
@@ -16,6 +17,23 @@ std::wstring_view WithoutBlanks(std::wstring_view text) {
     const size_t first = text.find_first_not_of(kBlanks);
     if (first == std::wstring_view::npos) return {};
     return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+// Of a number outside the range of a double: whether it is too small for it, not too large.
+bool IsTiny(std::string_view number) {
+    const std::string_view digits = number.substr(0, number.find_first_of("eE"));
+    const auto point = static_cast<int64_t>(std::min(digits.find('.'), digits.size()));
+    const auto leading = static_cast<int64_t>(digits.find_first_of("123456789"));
+    int64_t exponent = 0;
+    if (digits.size() < number.size()) {
+        std::string_view text = number.substr(digits.size() + 1);
+        if (text.starts_with('+')) text.remove_prefix(1);
+        constexpr int64_t kBeyondAnyText = int64_t{1} << 60;
+        const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), exponent);
+        if (error == std::errc::result_out_of_range) exponent = text.front() == '-' ? -kBeyondAnyText : kBeyondAnyText;
+        exponent = std::clamp(exponent, -kBeyondAnyText, kBeyondAnyText);
+    }
+    return point - leading + exponent <= 0;
 }
 
 std::wstring Format(double value, std::chars_format format, int precision) {
@@ -42,10 +60,7 @@ std::optional<double> ParseNumber(std::wstring_view text) {
     const auto [stop, error] = std::from_chars(narrow.data(), end, value);
     if (stop != end || error == std::errc::invalid_argument) return std::nullopt;
     if (error == std::errc::result_out_of_range) {
-        // The function does not say at which end: a number with so small an exponent is nothing.
-        const size_t exponent = narrow.find_first_of("eE");
-        const bool tiny = exponent != std::string::npos && narrow.find('-', exponent) != std::string::npos;
-        if (tiny) return 0.0;
+        if (IsTiny(narrow)) return 0.0;
         const double huge = std::numeric_limits<double>::infinity();
         return narrow.front() == '-' ? -huge : huge;
     }

@@ -46,6 +46,15 @@ TEST_P(NumberText, ReadsWholeNumbersOnly) {
     }
     EXPECT_FALSE(ParseNumber(std::wstring_view(L"1\0002", 3)).has_value());
     EXPECT_EQ(ParseNumber(std::wstring(100000, L'0') + L"1"), 1.0);
+
+    // Out of range for their digits, whatever the exponent says.
+    const std::wstring zeros(400, L'0');
+    EXPECT_EQ(ParseNumber(L"0." + zeros + L"1"), 0.0);
+    EXPECT_EQ(ParseNumber(L"-." + zeros + L"1e+5"), 0.0);
+    EXPECT_EQ(ParseNumber(L"1" + zeros), inf);
+    EXPECT_EQ(ParseNumber(L"-1" + zeros + L"e-5"), -inf);
+    EXPECT_EQ(ParseNumber(L"." + zeros + L"1e99999999999999999999"), inf);
+    EXPECT_EQ(ParseNumber(L"1" + zeros + L"e-99999999999999999999"), 0.0);
 }
 
 TEST_P(NumberText, WritesAPoint) {
