@@ -79,6 +79,8 @@ TEST_F(ZonhostManage, OkSavesToANewFile) {
 
 TEST_F(ZonhostManage, CancelAndAnOkWithoutAChangeLeaveTheFile) {
     Import();
+    // The first OK stores the choice of page source as well, the second one stores it before the sets.
+    for (int i = 0; i < 2; ++i) Manage([](HWND dialog, DWORD) { Press(dialog, IDOK); });
     const std::string before = Settings();
     for (const int button : {IDCANCEL, IDOK}) {
         const Result result = Manage([&](HWND dialog, DWORD) {
@@ -100,8 +102,9 @@ TEST_F(ZonhostManage, SetsThatAreRefusedAreKeptAndComeBack) {
         EXPECT_EQ(Run(L"sets import more.json").code, 0u);
         theirs = Settings();
         Press(dialog, IDOK);
-        Press(WaitForDialog(process, dialog), IDOK);
-        EXPECT_EQ(WaitForDialog(process), dialog) << "the dialog stays open";
+        const HWND box = WaitForDialog(process, dialog);
+        Press(box, IDOK);
+        EXPECT_EQ(WaitForDialog(process, box), dialog) << "the dialog stays open";
         Press(dialog, IDCANCEL);
     });
     EXPECT_EQ(result.code, 3u);
