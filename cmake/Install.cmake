@@ -15,11 +15,13 @@ endforeach()
 
 # --- Binaries and import libraries
 
-# The program, the parts that it loads and the guide that its help opens have to stand in one folder.
+# The program, the parts that it loads and the guide that its help opens, with the one it leads to, have to stand in one
+# folder.
 foreach(target ${binaries})
     install(PROGRAMS $<TARGET_FILE:${target}> DESTINATION bin)
 endforeach()
-install(DIRECTORY docs DESTINATION bin FILES_MATCHING PATTERN "operator.*" PATTERN "*.png")
+install(DIRECTORY docs DESTINATION bin FILES_MATCHING PATTERN "operator.*" PATTERN "troubleshooting.*"
+        PATTERN "*.png")
 
 install(FILES ${module_definition} DESTINATION lib RENAME Zonwick.def)
 
