@@ -197,7 +197,7 @@ TEST_F(ConfigView, ZoomSmoothingAndColumnWidthsAreRemembered) {
 }
 
 TEST_F(ConfigView, AStoredViewThatMakesNoSenseIsLeftAside) {
-    for (const int64_t scale : {int64_t{-1}, int64_t{0}, int64_t{27785}, int64_t{27796}, int64_t{1} << 40}) {
+    for (const int64_t scale : {int64_t{-1}, int64_t{0}, int64_t{27785}, int64_t{27796}, (int64_t{1} << 32) + 27791}) {
         m_tree->integers[L"LastScale"] = scale;
         m_tree->strings[L"ColumnsWidth"] = L"[%]-7,,x";
         Init();
