@@ -236,6 +236,7 @@ void CSASetConfigDlg::ShowBlankPage() {
 // The control fires RectAdded for each, which appends its row. An area without its row would be lost by OK, so that
 // ends the opening.
 void CSASetConfigDlg::LoadRects() {
+    const win32::RedrawOff redrawOff(m_list);
     for (int32_t i = 0; i < m_pAreaSet->GetRectCount(); ++i) {
         const CAreaRect* area = m_pAreaSet->GetRect(i);
         const FoliumRect rect = ToFolium(area->GetRectangle());

@@ -16,21 +16,6 @@ constexpr const char* kSource = "SAMgrConfigDlg";
 constexpr DWORD kListStyle = LVS_EX_FULLROWSELECT | LVS_EX_INFOTIP;
 constexpr UINT kStoppedMessage = WM_APP;
 
-// Keeps the list from painting row by row.
-class RedrawOff {
-public:
-    explicit RedrawOff(const CWnd& window) : m_window(window) { m_window.SendMessage(WM_SETREDRAW, FALSE); }
-    ~RedrawOff() {
-        m_window.SendMessage(WM_SETREDRAW, TRUE);
-        ::InvalidateRect(m_window.GetSafeHwnd(), nullptr, TRUE);
-    }
-    RedrawOff(const RedrawOff&) = delete;
-    RedrawOff& operator=(const RedrawOff&) = delete;
-
-private:
-    const CWnd& m_window;
-};
-
 }  // namespace
 
 CSAMgrConfigDlg::CSAMgrConfigDlg(CAreaSetManager* pManager, CWnd* pParent)
@@ -87,7 +72,7 @@ void CSAMgrConfigDlg::FillList() {
     m_list.InsertColumn(0, win32::LoadText(IDS_MANAGE_COLUMN),
                         client.right - client.left - GetSystemMetrics(SM_CXHTHUMB));
     {
-        const RedrawOff redrawOff(m_list);
+        const win32::RedrawOff redrawOff(m_list);
         const CSystemLock lock = m_pManager->Lock();  // once, not for each set
         const int32_t count = m_pManager->GetCount();
         m_list.SendMessage(LVM_SETITEMCOUNT, static_cast<WPARAM>(count));

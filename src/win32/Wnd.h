@@ -96,3 +96,22 @@ public:
     // The edit control of the item's label; null when the list refuses.
     HWND EditLabel(int item);
 };
+
+namespace win32 {
+
+// Keeps a window from painting, while it lives: a list that is filled would otherwise paint row by row.
+class RedrawOff {
+public:
+    explicit RedrawOff(const CWnd& window) : m_window(window) { m_window.SendMessage(WM_SETREDRAW, FALSE); }
+    ~RedrawOff() {
+        m_window.SendMessage(WM_SETREDRAW, TRUE);
+        ::InvalidateRect(m_window.GetSafeHwnd(), nullptr, TRUE);
+    }
+    RedrawOff(const RedrawOff&) = delete;
+    RedrawOff& operator=(const RedrawOff&) = delete;
+
+private:
+    const CWnd& m_window;
+};
+
+}  // namespace win32
