@@ -337,7 +337,8 @@ TEST_F(FailingUnitsDialog, DoesNotOpenWithoutUnits) {
         }
     }
     m_create = S_OK;
-    for (const int n : {1, 2, 4, 6, 7, 8}) {  // create, query, two lengths after their reads, system, unit name
+    for (const int n :
+         {1, 2, 3, 5, 7, 8, 9}) {  // create, two queries, two lengths after their reads, system, unit name
         Host().Reset();
         Host().failAt = n;
         EXPECT_THROW(Play({}), _com_error) << n;
