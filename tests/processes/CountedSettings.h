@@ -16,7 +16,8 @@ constexpr UINT kEndedAtCall = 9;
 // Shared by all objects of the process.
 struct HostCalls {
     int count = 0;
-    int endAt = 0;  // the process ends in this call, before it is carried out; 0 is never
+    int endAt = 0;   // the process ends in this call, before it is carried out; 0 is never
+    int failAt = 0;  // this call fails
 };
 HostCalls& Calls();
 

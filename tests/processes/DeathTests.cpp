@@ -113,7 +113,7 @@ TEST_F(DeathJob, EditUntilTheEnd) {
     int endAt = std::stoi(words.substr(0, space));
     OpenFile(words.substr(space + 1));
     Play(EditSets([&](HWND dialog) {
-        Calls() = {0, std::max(endAt, 0)};
+        Calls() = {0, std::max(endAt, 0), 0};
         int step = -endAt;
         if (endAt < 0) counted.Store().Export<decltype(HostSettingsSetStep)>("HostSettingsSetStep")(EndAtStep, &step);
         PressOk(dialog);
