@@ -22,10 +22,10 @@ public:
 
 private:
     void* m_handle = nullptr;
-    void* m_local = nullptr;            // the substitute within the process
-    std::atomic<uint64_t> m_owner = 0;  // a thread, 0 for none
-    int m_depth = 0;                    // of the owner
-    bool m_held = false;                // the wait succeeded, so there is something to release
+    [[maybe_unused]] void* m_local = nullptr;  // the substitute within the process
+    std::atomic<uint64_t> m_owner = 0;         // a thread, 0 for none
+    int m_depth = 0;                           // of the owner
+    [[maybe_unused]] bool m_held = false;      // the wait succeeded, so there is something to release
 };
 
 // Holds the mutex for its own life.
