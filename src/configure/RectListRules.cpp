@@ -9,12 +9,22 @@ int32_t ThreeQuarters(int32_t length) {
     return static_cast<int32_t>(int64_t{3} * length / 4);
 }
 
+constexpr int32_t kSmallestPage = 80;  // pixels of height
+
 constexpr std::array<ZoomMode, 3> kFittingModes = {ZoomMode::kWholePage, ZoomMode::kPageHeight, ZoomMode::kPageWidth};
 
 }  // namespace
 
 PageRect GetMiddleHalf(int32_t width, int32_t height) {
     return {width / 4, height / 4, ThreeQuarters(width), ThreeQuarters(height)};
+}
+
+HeightCuts GetHeightCuts(int32_t excess, int32_t room, int32_t pageHeight, int32_t listHeight) {
+    if (excess <= 0) return {0, 0};
+    const int32_t most = std::max(0, pageHeight - kSmallestPage);
+    const int32_t page = std::clamp(std::min(excess, room), 0, most);
+    const int32_t list = std::min(excess - page, listHeight * 2 / 3);
+    return {std::min(excess - list, most), list};
 }
 
 std::vector<int> GetRowsLosingField(const std::vector<std::wstring>& fields, int row) {

@@ -15,6 +15,16 @@ namespace rectlist {
 // The rectangle of a new area: the middle half of the page in both directions.
 PageRect GetMiddleHalf(int32_t width, int32_t height);
 
+// What a dialog that is higher than the monitor takes off its page frame and its list, in pixels.
+struct HeightCuts {
+    int32_t page;
+    int32_t list;
+    bool operator==(const HeightCuts&) const = default;
+};
+// The page gives up as much as `room` lets the list come up without lying over the choice beside the page, then the
+// list does, then the page whatever it takes. Both stay useful; a monitor too low for that leaves an excess.
+HeightCuts GetHeightCuts(int32_t excess, int32_t room, int32_t pageHeight, int32_t listHeight);
+
 // An indexing field stands on one rectangle at most: the rows that lose theirs when `row` was given the field that it
 // has in `fields`. Names are compared as they are, with case.
 std::vector<int> GetRowsLosingField(const std::vector<std::wstring>& fields, int row);
@@ -23,6 +33,7 @@ std::vector<int> GetRowsLosingField(const std::vector<std::wstring>& fields, int
 class RemovedFields {
 public:
     void Remember(uint32_t rectId, const std::wstring& field);
+    bool Holds(uint32_t rectId) const { return m_fields.contains(rectId); }
     // The field to put back, once; empty when there was none or another row (`fields`) has taken it.
     std::wstring TakeBack(uint32_t rectId, const std::vector<std::wstring>& fields);
 

@@ -1,8 +1,6 @@
 // "Configure Area Set": set-up of the dialog, and OK.
 #include "configure/SASetConfigDlg.h"
 
-#include <algorithm>
-
 #include "configure/ConfigSupport.h"
 #include "manage/PageSettings.h"
 #include "resource.h"
@@ -22,7 +20,6 @@ constexpr LONG kEditMode = 1;
 constexpr uint32_t kNoWayOn = NAV_NO_PREV_PAGE | NAV_NO_NEXT_PAGE | NAV_NO_PREV_DOC | NAV_NO_NEXT_DOC;
 constexpr COLORREF kWhite = RGB(255, 255, 255);
 constexpr COLORREF kLightGrey = RGB(0xE0, 0xE0, 0xE0);
-constexpr int kSmallestPageFrame = 80;  // pixels of height that a low monitor leaves the page
 
 _COM_SMARTPTR_TYPEDEF(IImageLoader, __uuidof(IImageLoader));
 
@@ -106,9 +103,7 @@ bool CSASetConfigDlg::OnInitDialog() {
     return true;
 }
 
-// On a monitor too low for the dialog, the page frame gives up height, so that the list and the buttons are in reach;
-// when the list would come to lie over the choice beside the page, the list gives up some first. The buttons matter
-// most.
+// On a monitor too low for the dialog, the page frame and the list give up height, so that the buttons are in reach.
 void CSASetConfigDlg::FitToMonitor() {
     const HWND dialog = GetSafeHwnd();
     MONITORINFO monitor = {};
@@ -125,10 +120,8 @@ void CSASetConfigDlg::FitToMonitor() {
     const LONG excess = window.bottom - window.top - (monitor.rcWork.bottom - monitor.rcWork.top);
     if (excess <= 0) return;
     const LONG room = place(GetDlgItem(IDC_CONFIG_LIST_LABEL)).top - place(GetDlgItem(IDC_CONFIG_AREAS_ARE)).bottom;
-    const LONG most = std::max<LONG>(0, frame.bottom - frame.top - kSmallestPageFrame);
-    int fromPage = std::clamp(std::min(excess, room), LONG{0}, most);
-    const int fromList = std::min<LONG>(excess - fromPage, (list.bottom - list.top) * 2 / 3);
-    fromPage = std::min<LONG>(excess - fromList, most);
+    const auto [fromPage, fromList] =
+        rectlist::GetHeightCuts(excess, room, frame.bottom - frame.top, list.bottom - list.top);
 
     for (HWND child = GetWindow(dialog, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
         const int id = GetDlgCtrlID(child);

@@ -43,8 +43,9 @@ void CSASetConfigDlg::OnRectAdded(LONG id) {
         FoliumRect rect = {};
         if (FAILED(m_pFolium->QueryRect(id, &rect))) return;
         const ScopedFlag updating(m_bUpdatingList, true, false);
+        const auto rectId = static_cast<uint32_t>(id);
         const std::wstring field =
-            IsIndexing() ? m_removedFields.TakeBack(static_cast<uint32_t>(id), GetRowFields()) : std::wstring();
+            m_removedFields.Holds(rectId) ? m_removedFields.TakeBack(rectId, GetRowFields()) : std::wstring();
         const int row = m_list.InsertItem(m_list.GetItemCount(), {});
         LVITEMW item = {};
         item.mask = LVIF_PARAM;
@@ -104,7 +105,13 @@ void CSASetConfigDlg::OnAdd() {
         item.pszText = text.data();
         item.lParam = id;
         item.state = item.stateMask = kSelected;
-        const int row = m_list.InsertItem(item);
+        int row = 0;
+        try {
+            row = m_list.InsertItem(item);
+        } catch (...) {
+            m_pFolium->DeleteRect(id);  // without a row, OK would leave it out
+            throw;
+        }
         UpdateRectRow(row, rect);
         m_list.EnsureVisible(row);
     }
@@ -172,5 +179,9 @@ void CSASetConfigDlg::OnLengthEdited(int row, Column column) {
     }
     m_list.SetItemText(row, column, edit->text);
     const FoliumRect bounds = ToFolium(edit->rect);
-    m_pFolium->UpdateRect(id, &bounds);
+    const HRESULT status = m_pFolium->UpdateRect(id, &bounds);
+    if (SUCCEEDED(status)) return;
+    // OK stores what the page has, so the row may not show anything else.
+    if (shown) UpdateRectRow(row, *shown);
+    win32::ThrowHostError(status, __uuidof(IFolium));
 }

@@ -5,6 +5,8 @@
 #include <functional>
 
 #include "configdlg/ConfigFixture.h"
+
+#include <commctrl.h>
 #include "support/FakeDocuments.h"
 
 namespace test {
@@ -14,7 +16,7 @@ const std::vector<RECT> kInvoice = {{100, 200, 300, 400}, {500, 600, 900, 1000},
 
 // The operations of the control that the dialog uses, by their positions in its table.
 constexpr size_t kFirst = 7, kLast = 34;
-constexpr size_t kQueryRect = 30;
+constexpr size_t kQueryRect = 30, kUpdateRect = 34;
 
 // Makes every control of Folium.dll ask Host() before each of its operations, for as long as this lives. All arguments
 // fit into registers, so one shape of function stands for every operation.
@@ -181,6 +183,55 @@ TEST_F(ConfigFaults, WhileARectangleCannotBeReadOkChangesNothingAndStaysOpen) {
     TakeTraces();
 }
 
+// The row shows what OK will store.
+TEST_F(ConfigFaults, ATypedLengthThatThePageRefusesIsTakenBack) {
+    KeepPages();
+    const FailingFolium failing(m_folium->Dll());
+    Steps steps = {[](HWND) {
+        FailingFolium::Only(kUpdateRect);
+        Host().Reset();
+        Host().failAt = 1;
+    }};
+    EditCell(steps, 0, 2, L"55");
+    steps.push_back([&](HWND dialog) {
+        Host().Reset();
+        EXPECT_EQ(RowText(dialog, 0), L"10.0 20.0 20.0 20.0");
+        EXPECT_EQ(TakeHostBoxes().size(), 1u);
+    });
+    steps.push_back(PressOk);
+    EXPECT_TRUE(PlaySet(5, steps));
+    EXPECT_EQ(StoredRects(5), kInvoice);
+    TakeTraces();
+}
+
+// A list that has no memory for another row.
+WNDPROC g_list = nullptr;
+LRESULT CALLBACK RefuseRows(HWND list, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == LVM_INSERTITEMW) return -1;
+    return CallWindowProcW(g_list, list, message, wParam, lParam);
+}
+
+TEST_F(ConfigFaults, AnAreaWithoutARowDoesNotStayOnThePage) {
+    KeepPages();
+    EXPECT_TRUE(PlaySet(5, {[&](HWND dialog) {
+                                const auto replace = [&](WNDPROC by) {
+                                    return reinterpret_cast<WNDPROC>(SetWindowLongPtrW(ListOf(dialog), GWLP_WNDPROC,
+                                                                                       reinterpret_cast<LONG_PTR>(by)));
+                                };
+                                g_list = replace(RefuseRows);
+                                Push(dialog, IDC_CONFIG_ADD);
+                                replace(g_list);
+                                EXPECT_EQ(TakeHostBoxes().size(), 1u);
+                                EXPECT_EQ(RowCount(dialog), 3);
+                                EXPECT_EQ(RectOfId(dialog, 4), (RECT{-1, -1, -1, -1}));
+                                Push(dialog, IDC_CONFIG_ADD);
+                                EXPECT_EQ(RectOfRow(dialog, 3), (RECT{525, 742, 1575, 2227}));
+                            },
+                            PressOk}));
+    EXPECT_EQ(StoredRects(5).size(), 4u);
+    TakeTraces();
+}
+
 TEST_F(ConfigFaults, AStackThatFailsAtEveryCallStillShowsTheAreas) {
     m_documents.reset();
     const FakePageImageClass images;
@@ -239,6 +290,28 @@ TEST_F(ConfigFaults, TwoThousandAreasKeepTheirOrder) {
     const std::vector<RECT> stored = StoredRects(11);
     ASSERT_EQ(stored.size(), rects.size() + 1);
     EXPECT_TRUE(std::equal(rects.begin(), rects.end(), stored.begin()));
+}
+
+TEST_F(ConfigFaults, TwoThousandFieldsKeepTheirPlaces) {
+    constexpr LONG kFields = 2000;
+    std::vector<std::wstring> names;
+    std::vector<SAIndexField> fields;
+    for (LONG i = 0; i < kFields; ++i) names.push_back(L"Field " + std::to_wstring(i));
+    for (LONG i = 0; i < kFields; ++i)
+        fields.push_back(Field(names[static_cast<size_t>(i)].c_str(), {i, i, i + 9, i + 9}));
+    UsePages({});
+    ULONGLONG start = GetTickCount64(), opened = 0;
+    EXPECT_TRUE(PlayPage(fields, {[&](HWND dialog) {
+                             opened = GetTickCount64() - start;
+                             EXPECT_EQ(CellText(dialog, kFields - 1, 4), names.back());
+                             start = GetTickCount64();
+                             PressOk(dialog);
+                         }}));
+    std::printf("%d fields: %u ms to open, %u for OK\n", static_cast<int>(kFields), static_cast<unsigned>(opened),
+                static_cast<unsigned>(GetTickCount64() - start));
+    for (LONG i = 0; i < kFields; ++i) {
+        ASSERT_EQ(PlaceOf(fields[static_cast<size_t>(i)]), (RECT{i, i, i + 9, i + 9}));
+    }
 }
 
 }  // namespace

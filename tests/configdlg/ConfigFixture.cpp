@@ -99,15 +99,18 @@ void SelectRow(HWND dialog, int row) {
     item.state = item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
     SendMessageW(ListOf(dialog), LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
 }
+RECT RectOfId(HWND dialog, LONG id) {
+    FoliumRect rect = {};
+    const auto folium = FoliumOf(dialog);
+    if (folium == nullptr || FAILED(folium->QueryRect(id, &rect))) return {-1, -1, -1, -1};
+    return {rect.left, rect.top, rect.right, rect.bottom};
+}
 RECT RectOfRow(HWND dialog, int row) {
     LVITEMW item = {};
     item.mask = LVIF_PARAM;
     item.iItem = row;
     SendMessageW(ListOf(dialog), LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-    FoliumRect rect = {};
-    const auto folium = FoliumOf(dialog);
-    if (folium == nullptr || FAILED(folium->QueryRect(static_cast<LONG>(item.lParam), &rect))) return {-1, -1, -1, -1};
-    return {rect.left, rect.top, rect.right, rect.bottom};
+    return RectOfId(dialog, static_cast<LONG>(item.lParam));
 }
 FoliumDisplayOptions DisplayOptions(HWND dialog) {
     FoliumDisplayOptions options = {};

@@ -65,7 +65,8 @@ std::wstring CellText(HWND dialog, int row, int column);
 std::wstring RowText(HWND dialog, int row);
 int SelectedRow(HWND dialog);
 void SelectRow(HWND dialog, int row);
-// The rectangle of a row, as the page display control has it.
+// A rectangle, by its identifier or its row, as the page display control has it; all -1 when there is none.
+RECT RectOfId(HWND dialog, LONG id);
 RECT RectOfRow(HWND dialog, int row);
 FoliumDisplayOptions DisplayOptions(HWND dialog);
 

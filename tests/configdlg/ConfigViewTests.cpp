@@ -41,13 +41,44 @@ void Command(HWND dialog, UINT command) {
     SendMessageW(dialog, WM_COMMAND, command, 0);
 }
 
+bool FitsItsText(HWND control) {
+    wchar_t text[128] = {}, name[16] = {};
+    GetWindowTextW(control, text, 128);
+    GetClassNameW(control, name, 16);
+    RECT client, needed;
+    GetClientRect(control, &client);
+    if (_wcsicmp(name, L"Button") == 0) {
+        // The frame of a button, the circle of a choice.
+        const LONG style = GetWindowLongW(control, GWL_STYLE) & BS_TYPEMASK;
+        if (style == BS_GROUPBOX) return true;
+        client.right -=
+            style == BS_AUTORADIOBUTTON ? GetSystemMetrics(SM_CXMENUCHECK) : 2 * GetSystemMetrics(SM_CXEDGE);
+    }
+    const HDC dc = GetDC(control);
+    const HGDIOBJ before = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
+    needed = client;
+    DrawTextW(dc, text, -1, &needed, DT_CALCRECT | DT_WORDBREAK);
+    SelectObject(dc, before);
+    ReleaseDC(control, dc);
+    return needed.right <= client.right && needed.bottom <= client.bottom;
+}
+
 // At every scaling of the screen, on every height of it.
 void ExpectNothingCovered(HWND dialog) {
     constexpr UINT kParts[] = {IDC_CONFIG_FRAME,      IDC_CONFIG_NEXT_PAGE,  IDC_CONFIG_ADD,   IDC_CONFIG_IGNORED,
                                IDC_CONFIG_SIZE_LABEL, IDC_CONFIG_LIST_LABEL, IDC_CONFIG_LIST,  IDOK,
                                IDC_CONFIG_SIZE,       IDC_CONFIG_POSITION,   IDC_CONFIG_REMOVE};
-    RECT window;
+    RECT window, screen;
     GetWindowRect(dialog, &window);
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &screen, 0);
+    EXPECT_TRUE(window.top >= screen.top && window.bottom <= screen.bottom && window.left >= screen.left &&
+                window.right <= screen.right)
+        << window << " on " << screen;
+    for (HWND child = GetWindow(dialog, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+        const int id = GetDlgCtrlID(child);
+        const bool isText = id != IDC_CONFIG_PAGE && id != IDC_CONFIG_LIST && id != IDC_CONFIG_FRAME;
+        EXPECT_TRUE(!isText || FitsItsText(child)) << id;
+    }
     for (const UINT one : kParts) {
         RECT rect, other, both;
         GetWindowRect(GetDlgItem(dialog, static_cast<int>(one)), &rect);

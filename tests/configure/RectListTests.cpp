@@ -171,6 +171,29 @@ TEST(Rules, MiddleHalfOfThePage) {
     EXPECT_EQ(rectlist::GetMiddleHalf(INT32_MAX, 1), (PageRect{536870911, 0, 1610612735, 0}));
 }
 
+// Heights of the dialog's parts at 100, 150 and 200 %, on screens from large to far too low.
+TEST(Rules, ALowMonitorTakesHeightOffThePageThenOffTheList) {
+    using rectlist::GetHeightCuts;
+    using rectlist::HeightCuts;
+    for (const int percent : {100, 150, 200}) {
+        const int page = 424 * percent / 100, list = 93 * percent / 100, room = 172 * percent / 100;
+        for (int excess = -10; excess < 700 * percent / 100; ++excess) {
+            const auto [fromPage, fromList] = GetHeightCuts(excess, room, page, list);
+            SCOPED_TRACE(testing::Message() << percent << " %, " << excess << ": " << fromPage << ", " << fromList);
+            ASSERT_TRUE(fromPage >= 0 && fromList >= 0 && page - fromPage >= 80 && list - fromList >= list / 3);
+            if (excess <= page - 80 + list / 2) {
+                ASSERT_EQ(fromPage + fromList, std::max(excess, 0));
+            }
+            // What lies below the page covers the choice beside it only when the list has nothing left to give.
+            if (fromPage > room) {
+                ASSERT_EQ(fromList, list * 2 / 3);
+            }
+        }
+    }
+    EXPECT_EQ(GetHeightCuts(250, 344, 848, 186), (HeightCuts{250, 0}));
+    EXPECT_EQ(GetHeightCuts(50, -5, 60, 90), (HeightCuts{0, 50})) << "a page that has nothing to give";
+}
+
 TEST(Rules, AFieldStandsOnOneRow) {
     EXPECT_EQ(rectlist::GetRowsLosingField({L"A", L"", L"A", L"a", L"A"}, 2), (std::vector{0, 4}));
     EXPECT_TRUE(rectlist::GetRowsLosingField({L"", L"", L"A"}, 1).empty());
@@ -179,6 +202,8 @@ TEST(Rules, AFieldStandsOnOneRow) {
     removed.Remember(4, L"Total");
     removed.Remember(5, L"Date");
     removed.Remember(6, L"");
+    EXPECT_TRUE(removed.Holds(4) && removed.Holds(5));
+    EXPECT_FALSE(removed.Holds(6));
     EXPECT_EQ(removed.TakeBack(4, {L"", L"Date"}), L"Total");
     EXPECT_EQ(removed.TakeBack(4, {}), L"");
     EXPECT_EQ(removed.TakeBack(5, {L"", L"Date"}), L"");
