@@ -133,8 +133,11 @@ void PageScaling() {
     };
     Compare("scale", "600 dpi RGB to 700 x 990", Timed(ours), Timed(gdi), 7);
     const auto reference = Reference(*page, width, height);
-    const double better = Psnr(reference, scaled.data()) - Psnr(reference, canvas.Pixels());
-    Tell("scale-quality", "600 dpi RGB to 700 x 990", better);
+    const double ourQuality = Psnr(reference, scaled.data());
+    const double gdiQuality = Psnr(reference, canvas.Pixels());
+    char detail[64];
+    std::snprintf(detail, sizeof detail, "%.1f dB, HALFTONE %.1f dB", ourQuality, gdiQuality);
+    Tell("scale-quality", detail, ourQuality - gdiQuality);
 }
 
 void Repaint() {

@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Masks a folder of pages with another program: batch.py pillow|vips|magick IN OUT tif|png NUMBERS...
 
 NUMBERS are the areas' pixels, four for each: left, top, right, bottom. They are left out. Uses both processors.

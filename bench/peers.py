@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Masks the same page natively with our core and with other libraries, all in memory and taking turns.
 
 peers.py LIBRARY ROW...   rows: copy-native packed-peers peers

@@ -1,4 +1,3 @@
-"""Cost against size as an SVG, on logarithmic axes."""
 from math import ceil, floor, log10
 
 TITLES = {"size-sets": "enumerate sets", "size-manage": "open Manage Area Sets, by sets",

@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Runs the measurements, prints the table, writes results.json and the plot. Called by scripts/bench.
 
 run.py WINDOWS_BUILD NATIVE_LIBRARY OUT WINE PAGES [ROW...]

@@ -1,5 +1,7 @@
 #include "store/ComSettingsNode.h"
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 
 namespace {
@@ -7,6 +9,33 @@ namespace {
 using win32::Bstr;
 using win32::CallHost;
 using win32::CheckHost;
+
+// A name for the length of one call. Names are short and there are several for each rectangle, so that they stand here
+// and not in blocks of their own: the length in bytes in front of the text, as strings of the system have it.
+class Name {
+public:
+    explicit Name(std::wstring_view text) : m_short(text.size() < std::size(m_buffer.text)), m_long(Rest(text)) {
+        if (!m_short) return;
+        m_buffer.length = static_cast<uint32_t>(text.size() * sizeof(wchar_t));
+        *std::copy(text.begin(), text.end(), m_buffer.text) = L'\0';
+    }
+    Name(const Name&) = delete;
+    Name& operator=(const Name&) = delete;
+    BSTR Get() { return m_short ? m_buffer.text : m_long->Get(); }
+
+private:
+    std::unique_ptr<Bstr> Rest(std::wstring_view text) const {
+        return m_short ? nullptr : std::make_unique<Bstr>(text);
+    }
+
+    bool m_short;
+    struct {
+        alignas(8) uint32_t unused;
+        uint32_t length;
+        wchar_t text[40];
+    } m_buffer;
+    std::unique_ptr<Bstr> m_long;
+};
 
 struct DestroyArray {
     void operator()(SAFEARRAY* array) const { SafeArrayDestroy(array); }
@@ -59,41 +88,41 @@ SubNodeNames ComSettingsNode::GetSubNodeNames() {
 
 SettingsNodePtr ComSettingsNode::GetSubNode(const std::wstring& name) {
     ISettingsNode* node = nullptr;
-    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::GetSubNode, Bstr(name).Get(), &node);
+    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::GetSubNode, Name(name).Get(), &node);
     return std::make_unique<ComSettingsNode>(ISettingsNodePtr(node, false));
 }
 
 void ComSettingsNode::DeleteSubNode(const std::wstring& name) {
-    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::DeleteSubNode, Bstr(name).Get());
+    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::DeleteSubNode, Name(name).Get());
 }
 
 std::wstring ComSettingsNode::GetString(const wchar_t* name) {
     Bstr value;
-    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::GetString, Bstr(name).Get(), value.Out());
+    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::GetString, Name(name).Get(), value.Out());
     return std::wstring(value.View());
 }
 
 int64_t ComSettingsNode::GetInt64(const wchar_t* name) {
     LONGLONG value = 0;
-    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::GetInt64, Bstr(name).Get(), &value);
+    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::GetInt64, Name(name).Get(), &value);
     return value;
 }
 
 bool ComSettingsNode::GetBool(const wchar_t* name) {
     VARIANT_BOOL value = 0;
-    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::GetBool, Bstr(name).Get(), &value);
+    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::GetBool, Name(name).Get(), &value);
     return value != 0;
 }
 
 void ComSettingsNode::SetString(const wchar_t* name, const std::wstring& value) {
-    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::SetString, Bstr(name).Get(), Bstr(value).Get());
+    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::SetString, Name(name).Get(), Bstr(value).Get());
 }
 
 void ComSettingsNode::SetInt64(const wchar_t* name, int64_t value) {
-    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::SetInt64, Bstr(name).Get(), value);
+    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::SetInt64, Name(name).Get(), value);
 }
 
 void ComSettingsNode::SetBool(const wchar_t* name, bool value) {
-    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::SetBool, Bstr(name).Get(),
+    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::SetBool, Name(name).Get(),
              static_cast<VARIANT_BOOL>(value ? 1 : 0));
 }
