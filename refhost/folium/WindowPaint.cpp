@@ -4,6 +4,13 @@
 
 namespace folium {
 
+namespace {
+
+// More parts than this take longer to tell the window one by one than to paint all of it.
+constexpr size_t kMostParts = 64;
+
+}  // namespace
+
 void FoliumWindow::Invalidate(const PixelRect& rect) {
     if (rect.Empty()) return;
     const RECT part = {rect.left, rect.top, rect.right, rect.bottom};
@@ -14,7 +21,12 @@ void FoliumWindow::ShapesChanged() {
     if (m_hwnd == nullptr) return;
     const Viewport& view = m_display.view;
     std::vector<Shape> shapes = CollectShapes(m_display.model, m_display.editor, view);
-    for (const Shape& shape : ChangedShapes(m_shapes, shapes)) Invalidate(ShapeExtent(shape, view));
+    const std::vector<Shape> changed = ChangedShapes(m_shapes, shapes);
+    if (changed.size() > kMostParts) {
+        InvalidateRect(m_hwnd, nullptr, FALSE);
+    } else {
+        for (const Shape& shape : changed) Invalidate(ShapeExtent(shape, view));
+    }
     m_shapes = std::move(shapes);
 
     const PixelRect before = m_readout.Place();

@@ -221,6 +221,50 @@ TEST(ListColumns, WidthsComeBackAndFollowTheList) {
                kClose});
 }
 
+WNDPROC g_before = nullptr;
+LRESULT CALLBACK PassOn(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    return CallWindowProcW(g_before, dialog, message, wParam, lParam);
+}
+
+// Whether a list of the dialog answers for the height of its rows.
+bool IsMeasured(HWND dialog, UINT id) {
+    MEASUREITEMSTRUCT item = {};
+    item.CtlType = ODT_LISTVIEW;
+    item.CtlID = id;
+    return SendMessageW(dialog, WM_MEASUREITEM, id, reinterpret_cast<LPARAM>(&item)) != FALSE && item.itemHeight > 0;
+}
+
+// Also when somebody else replaces the dialog's procedure in between.
+TEST(ListLook, ListsOfOneDialogComeAndGo) {
+    constexpr UINT kSecond = 200;
+    ListDialog list;
+    list.Play({[&](HWND dialog) {
+        const auto create = [=] {
+            return CreateWindowExW(0, L"HostListTable", L"", WS_CHILD | LVS_REPORT | LVS_OWNERDRAWFIXED, 0, 0, 50, 50,
+                                   dialog, reinterpret_cast<HMENU>(UINT_PTR{kSecond}), nullptr, nullptr);
+        };
+        for (const bool replaced : {false, true}) {
+            const HWND second = create();
+            EXPECT_TRUE(IsMeasured(dialog, test::kListId) && IsMeasured(dialog, kSecond));
+            DestroyWindow(second);
+            EXPECT_TRUE(IsMeasured(dialog, test::kListId));
+            EXPECT_FALSE(IsMeasured(dialog, kSecond));
+            const int before = list.changes;
+            list.List().SetItemState(replaced ? 1 : 2, LVIS_SELECTED, LVIS_SELECTED);
+            EXPECT_GT(list.changes, before) << "the dialog hears of it as well";
+            if (replaced) break;
+            g_before =
+                reinterpret_cast<WNDPROC>(SetWindowLongPtrW(dialog, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(PassOn)));
+        }
+        DestroyWindow(list.List().GetSafeHwnd());
+        EXPECT_FALSE(IsMeasured(dialog, test::kListId));
+        SetWindowLongPtrW(dialog, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(g_before));
+        DestroyWindow(create());
+        EXPECT_FALSE(IsMeasured(dialog, kSecond));
+        EndDialog(dialog, 0);
+    }});
+}
+
 TEST(ListLook, Screenshots) {
     ListDialog list(12);
     list.Play({[&](HWND) {

@@ -27,7 +27,7 @@ bool Create(HWND window, const CREATESTRUCTW& create) {
     base.cbSize = sizeof(base);
     if (!GetClassInfoExW(nullptr, WC_LISTVIEWW, &base) || base.cbWndExtra > kListViewExtra) return false;
     auto table = std::make_unique<TablePtr>(std::make_shared<Table>(window, base.lpfnWndProc));
-    (*table)->Attach(create.hwndParent);
+    if (!(*table)->Attach(create.hwndParent)) return false;
     SetWindowLongPtrW(window, kOwnExtra, reinterpret_cast<LONG_PTR>(table.release()));
     return true;
 }

@@ -4,37 +4,12 @@
 
 #include <algorithm>
 
+#include "refhost/controls/list/ParentHook.h"
+
 namespace listtable {
 
-void Table::Attach(HWND parent) {
-    SetWindowSubclass(parent, ParentProc, reinterpret_cast<UINT_PTR>(m_window), 0);
-}
-
-LRESULT CALLBACK Table::ParentProc(HWND parent, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR list,
-                                   DWORD_PTR) noexcept {
-    const HWND window = reinterpret_cast<HWND>(list);
-    switch (message) {
-        case WM_DRAWITEM:
-            if (reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)->hwndItem != window) break;
-            SendMessageW(window, kReflectDraw, 0, lParam);
-            return TRUE;
-        case WM_MEASUREITEM: {
-            const auto* item = reinterpret_cast<const MEASUREITEMSTRUCT*>(lParam);
-            if (item->CtlType != ODT_LISTVIEW || item->CtlID != static_cast<UINT>(GetDlgCtrlID(window))) break;
-            SendMessageW(window, kReflectMeasure, 0, lParam);
-            return TRUE;
-        }
-        case WM_NOTIFY:
-            if (reinterpret_cast<const NMHDR*>(lParam)->hwndFrom != window) break;
-            if (SendMessageW(window, kReflectNotify, 0, lParam)) return 0;
-            break;
-        case WM_NCDESTROY:
-            RemoveWindowSubclass(parent, ParentProc, list);
-            break;
-        default:
-            break;
-    }
-    return DefSubclassProc(parent, message, wParam, lParam);
+bool Table::Attach(HWND parent) {
+    return HookParent(parent, m_window, {kReflectDraw, kReflectMeasure, kReflectNotify});
 }
 
 LRESULT Table::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -44,7 +19,7 @@ LRESULT Table::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         m_closing = true;
         m_dragged.clear();
         m_editor.Forget();
-        RemoveWindowSubclass(GetAncestor(m_window, GA_PARENT), ParentProc, reinterpret_cast<UINT_PTR>(m_window));
+        UnhookParent(GetAncestor(m_window, GA_PARENT), m_window);
     } else if (HandleOwn(message, wParam, lParam, result) || HandleColumns(message, wParam, lParam, result) ||
                HandleEditor(message, wParam, lParam, result) || HandleReflected(message, lParam, result) ||
                HandleInput(message, wParam, lParam, result)) {

@@ -31,8 +31,8 @@ public:
     Table(const Table&) = delete;
     Table& operator=(const Table&) = delete;
 
-    // Puts itself before the parent; for the list's first message.
-    void Attach(HWND parent);
+    // Puts itself before the parent; for the list's first message. False when there is no memory.
+    bool Attach(HWND parent);
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT CallBase(UINT message, WPARAM wParam, LPARAM lParam) const {
         return CallWindowProcW(m_base, m_window, message, wParam, lParam);
@@ -57,8 +57,6 @@ private:
     bool HandleReflected(UINT message, LPARAM lParam, LRESULT& result);
     LRESULT HandleListView(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT SetExtendedStyle(DWORD mask, DWORD styles);
-    static LRESULT CALLBACK ParentProc(HWND parent, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR list,
-                                       DWORD_PTR) noexcept;
 
     // --- Rows and cells
     int GetRowCount() const { return static_cast<int>(Send(LVM_GETITEMCOUNT)); }
