@@ -85,7 +85,9 @@ void ExpectNothingCovered(HWND dialog) {
         EXPECT_LE(rect.bottom, window.bottom) << one;
         for (const UINT another : kParts) {
             GetWindowRect(GetDlgItem(dialog, static_cast<int>(another)), &other);
-            EXPECT_FALSE(one < another && IntersectRect(&both, &rect, &other)) << one << " and " << another;
+            // Places in dialog units are rounded to pixels one by one.
+            const bool touch = IntersectRect(&both, &rect, &other) && both.bottom - both.top > 1;
+            EXPECT_FALSE(one < another && touch) << one << " and " << another;
         }
     }
 }
