@@ -152,7 +152,7 @@ const char* NameOf(Fault kind) {
     constexpr const char* kNames[] = {"settings call", "settings null", "part call", "class", "memory", "string",
                                       "abandoned",     "lock failed",   "imaging",   "codec", "window", "drawing"};
     static_assert(std::size(kNames) == static_cast<size_t>(Fault::kCount));
-    return kNames[static_cast<size_t>(kind)];
+    return kind < Fault::kCount ? kNames[static_cast<size_t>(kind)] : "no fault";
 }
 
 FaultHooks::FaultHooks() {
