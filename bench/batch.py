@@ -52,6 +52,7 @@ def with_vips(names):
 def with_magick(names):
     # One process for half of the pages each; mogrify has the start-up once.
     shapes = " ".join(f"rectangle {l},{t} {r - 1},{b - 1}" for l, t, r, b in rects)
+    os.environ["MAGICK_THREAD_LIMIT"] = "1"  # two processes take both processors
     parts = [names[0::2], names[1::2]]
     running = [subprocess.Popen(["/usr/bin/mogrify-im6.q16", "-path", out, "-fill", "white", "-draw", shapes,
                                  *(os.path.join(folder, name) for name in part)]) for part in parts]
