@@ -9,6 +9,7 @@ import shutil
 import statistics
 import subprocess
 import sys
+import tempfile
 import time
 from pathlib import Path
 
@@ -53,11 +54,15 @@ def fail(text):
 
 
 def lines_of(command, **options):
-    done = subprocess.run([str(part) for part in command], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                          stdin=subprocess.DEVNULL, text=True, timeout=900, **options)
-    if done.returncode != 0:
-        fail(f"{' '.join(map(str, command[:3]))} failed: {done.stderr.strip()[-400:]}")
-    return [line.split("\t") for line in done.stdout.replace("\r", "").splitlines()]
+    # Into files: the services that the first Windows program starts would hold a pipe open.
+    with tempfile.TemporaryFile("w+") as output, tempfile.TemporaryFile("w+") as errors:
+        done = subprocess.run([str(part) for part in command], stdout=output, stderr=errors,
+                              stdin=subprocess.DEVNULL, timeout=900, **options)
+        output.seek(0)
+        errors.seek(0)
+        if done.returncode != 0:
+            fail(f"{' '.join(map(str, command[:3]))} failed: {errors.read().strip()[-400:]}")
+        return [line.split("\t") for line in output.read().replace("\r", "").splitlines()]
 
 
 def make_pages(extension):
@@ -145,28 +150,31 @@ def summary(row, detail, pairs):
             "ours": statistics.median(p[0] for p in pairs) if not kind.startswith("value") else None}
 
 
+def show(result):
+    low, high = result["spread"]
+    sign = {"most": "<=", "value-most": "<=", "faster": ">=", "value-least": ">="}[result["kind"]]
+    print(f"{result['row']:<20} {result['detail']:<34} {sign} {result['target']:<6g} {result['figure']:8.2f}"
+          f"  [{low:.2f} - {high:.2f}]  {'met' if result['met'] else 'MISSED'}", flush=True)
+
+
 def main():
     names = [row for row in ROWS if not wanted or row in wanted or ROWS[row][1] in wanted]
     if not names or (wanted and not all(w in ROWS or any(w == r[1] for r in ROWS.values()) for w in wanted)):
         fail(f"there are these rows: {' '.join(ROWS)}")
     out.mkdir(parents=True, exist_ok=True)
-    samples = {}
+    results, sizes = [], {}
     for program, argument in dict.fromkeys(ROWS[name][:2] for name in names):
         print(f"measuring {argument} ...", file=sys.stderr)
+        samples = {}
         for kind, row, detail, *numbers in measure(program, argument):
             values = [float(n) for n in numbers]
             samples.setdefault((row, detail), []).append(values[0] if kind == "value" else values)
-    results = [summary(row, detail, pairs) for (row, detail), pairs in samples.items() if row in names]
-    sizes = {}
-    for (row, detail), pairs in samples.items():
-        if row.startswith("size-"):
-            sizes.setdefault(row, []).append((int(detail), statistics.median(p[0] for p in pairs)))
-    results.sort(key=lambda r: list(ROWS).index(r["row"]))
-    for result in results:
-        low, high = result["spread"]
-        sign = {"most": "<=", "value-most": "<=", "faster": ">=", "value-least": ">="}[result["kind"]]
-        print(f"{result['row']:<20} {result['detail']:<34} {sign} {result['target']:<6g} {result['figure']:8.2f}"
-              f"  [{low:.2f} - {high:.2f}]  {'met' if result['met'] else 'MISSED'}")
+        for (row, detail), pairs in samples.items():
+            if row in names:
+                results.append(summary(row, detail, pairs))
+                show(results[-1])
+            elif row.startswith("size-"):
+                sizes.setdefault(row, []).append((int(detail), statistics.median(p[0] for p in pairs)))
     (out / "results.json").write_text(json.dumps({"rows": results, "sizes": sizes}, indent=1))
     if not wanted:
         (out / "cost.svg").write_text(plot.draw(sizes))

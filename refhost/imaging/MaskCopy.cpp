@@ -35,6 +35,29 @@ Run RunOfBits(size_t begin, size_t end) {
     return {first, whole, last - whole, lead, BitsBetween(0, end % 8)};
 }
 
+// Fills what is behind each other in memory; for runs as short as those of a 1-bit row a call of memset takes longer
+// than its work.
+class Paper {
+public:
+    explicit Paper(uint8_t value) { std::memset(m_bytes, value, sizeof m_bytes); }
+    uint8_t Value() const { return m_bytes[0]; }
+
+    void Fill(uint8_t* to, size_t count) const {
+        if (count < sizeof m_bytes || count > kShort) {
+            std::memset(to, Value(), count);
+            return;
+        }
+        for (size_t at = 0; at + sizeof m_bytes <= count; at += sizeof m_bytes) Put(to + at);
+        Put(to + count - sizeof m_bytes);
+    }
+
+private:
+    static constexpr size_t kShort = 512;
+    void Put(uint8_t* to) const { std::memcpy(to, m_bytes, sizeof m_bytes); }
+
+    uint8_t m_bytes[16];
+};
+
 class Copier {
 public:
     Copier(const Bitmap& image, uint8_t* target) : m_image(image), m_target(target), m_paper(image.PaperByte()) {}
@@ -50,7 +73,7 @@ public:
             for (const PixelRange& range : masked) Fill(rows, RunOf(range.begin, range.end));
             return;
         }
-        std::memset(m_target + rows.begin, m_paper, rows.end - rows.begin);
+        std::memset(m_target + rows.begin, m_paper.Value(), rows.end - rows.begin);
         uint32_t done = 0;
         for (const PixelRange& range : masked) {
             if (range.begin > done) Copy(rows, RunOf(done, range.begin));
@@ -75,10 +98,11 @@ private:
         const bool parts = (run.lead | run.trail) != 0;
         for (size_t row = rows.begin; row < rows.end; row += m_image.Stride()) {
             uint8_t* to = m_target + row;
-            std::memset(to + run.whole, m_paper, run.count);
+            m_paper.Fill(to + run.whole, run.count);
             if (!parts) continue;
-            to[run.first] = Merged(to[run.first], m_paper, run.lead);
-            if (run.trail != 0) to[run.whole + run.count] = Merged(to[run.whole + run.count], m_paper, run.trail);
+            to[run.first] = Merged(to[run.first], m_paper.Value(), run.lead);
+            const size_t last = run.whole + run.count;
+            if (run.trail != 0) to[last] = Merged(to[last], m_paper.Value(), run.trail);
         }
     }
 
@@ -95,7 +119,7 @@ private:
 
     const Bitmap& m_image;
     uint8_t* m_target;
-    uint8_t m_paper;
+    Paper m_paper;
 };
 
 }  // namespace

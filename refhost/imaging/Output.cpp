@@ -9,8 +9,6 @@ namespace imaging {
 
 namespace {
 
-constexpr size_t kStripBytes = size_t{1} << 20;
-
 // How a bitmap goes into a file: 32-bit images have nothing in their fourth byte, so 24 bits hold them.
 struct FileFormat {
     GUID wic;
@@ -47,7 +45,7 @@ IWICPalettePtr MakePalette(IWICImagingFactory* factory, const Bitmap& image) {
 // In strips, since an encoder takes rows top-down and the bitmap has them bottom-up.
 void EncodeRows(IWICBitmapFrameEncode* frame, const Bitmap& image, const FileFormat& format) {
     const size_t stride = (size_t{image.Width()} * format.bits + 31) / 32 * 4;
-    const auto rows = static_cast<uint32_t>(std::clamp<size_t>(kStripBytes / stride, 1, image.Height()));
+    const auto rows = RowsOfStrip(stride, image.Height());
     std::vector<uint8_t> strip(stride * rows);
     for (uint32_t top = 0; top < image.Height(); top += rows) {
         const uint32_t count = std::min(rows, image.Height() - top);

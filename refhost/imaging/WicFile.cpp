@@ -11,8 +11,6 @@ namespace imaging {
 
 namespace {
 
-constexpr size_t kStripBytes = size_t{1} << 20;
-
 struct CloseHandleOf {
     void operator()(HANDLE handle) const { CloseHandle(handle); }
 };
@@ -82,7 +80,7 @@ std::vector<uint32_t> PaletteFor(const Format& format, IWICImagingFactory* facto
 // In strips, since a decoder gives rows top-down and the bitmap has them bottom-up.
 void DecodeRows(IWICBitmapSource* source, const Format& format, Bitmap& bitmap) {
     const size_t stride = ((size_t{bitmap.Width()} * format.sourceBits + 31) / 32) * 4;
-    const auto rows = static_cast<uint32_t>(std::clamp<size_t>(kStripBytes / stride, 1, bitmap.Height()));
+    const auto rows = RowsOfStrip(stride, bitmap.Height());
     std::vector<uint8_t> strip(stride * rows);
     for (uint32_t top = 0; top < bitmap.Height(); top += rows) {
         const uint32_t count = std::min(rows, bitmap.Height() - top);

@@ -10,7 +10,6 @@ using test::PressKey;
 using test::RequestedMove;
 using test::Steps;
 
-const auto kClose = [](HWND dialog) { EndDialog(dialog, 0); };
 using Moves = std::vector<RequestedMove>;
 
 TEST(ListMove, AltArrowsMoveTheSelectedRow) {
@@ -26,7 +25,7 @@ TEST(ListMove, AltArrowsMoveTheSelectedRow) {
                [](HWND) { PressKey(VK_UP, VK_MENU); }, [](HWND) { PressKey(VK_UP, VK_MENU); },
                [&](HWND) { EXPECT_EQ(list.Rows(), L"r0c0=100 r1c0=101 r2c0=102 r3c0=103"); },
                // Releasing Alt has not opened a menu: keys still reach the list.
-               [](HWND) { PressKey(VK_DOWN); }, [&](HWND) { EXPECT_EQ(list.SelectedRow(), 1); }, kClose});
+               [](HWND) { PressKey(VK_DOWN); }, [&](HWND) { EXPECT_EQ(list.SelectedRow(), 1); }, test::Close});
     EXPECT_EQ(list.moves, (Moves{{2, {0}}, {0, {1}}}));
     EXPECT_EQ(list.selections, 1) << "moving was taken for selecting";
 }
@@ -64,7 +63,7 @@ TEST(ListMove, DraggingShowsTheGapAndMovesTheRow) {
         EXPECT_EQ(GetCapture(), nullptr);
         EXPECT_EQ(list.Editor(), nullptr);
     });
-    steps.push_back(kClose);
+    steps.push_back(test::Close);
     list.Play(steps);
     EXPECT_EQ(list.moves, (Moves{{3, {0}}}));
 }
@@ -86,7 +85,7 @@ TEST(ListMove, ADragThatEndsNowhereChangesNothing) {
         steps.push_back([](HWND) { test::MouseUp(); });
         steps.push_back([](HWND) {});
         steps.push_back([&](HWND) { EXPECT_EQ(GetCapture(), nullptr); });
-        steps.push_back(kClose);
+        steps.push_back(test::Close);
         EXPECT_EQ(list.Play(steps), 0) << "Escape reached the dialog";
         EXPECT_TRUE(list.moves.empty());
     }
@@ -103,7 +102,7 @@ TEST(ListMove, DraggingBeyondTheRowsScrolls) {
     steps.push_back([&](HWND) { EXPECT_GT(list.List().SendMessage(LVM_GETTOPINDEX), 3); });
     steps.push_back([](HWND) { test::MouseUp(); });
     steps.push_back([](HWND) {});
-    steps.push_back(kClose);
+    steps.push_back(test::Close);
     list.Play(steps);
     ASSERT_EQ(list.moves.size(), 1U);
     EXPECT_GT(list.moves[0].target, 5);
@@ -134,7 +133,7 @@ TEST(ListMove, OrdersOfTheParent) {
                    EXPECT_FALSE(list.List().MoveItems(0, 1, nullptr));
                    EXPECT_EQ(list.Rows(), order);
                },
-               kClose});
+               test::Close});
     EXPECT_EQ(list.selections, 0);
     EXPECT_TRUE(list.moves.empty());
 }
@@ -144,7 +143,7 @@ TEST(ListMove, WithoutTheStyleRowsStay) {
     Steps steps = DragSteps(list, 0, 2, 5, [](HWND) { test::MouseUp(); });
     steps.push_back([](HWND) { PressKey(VK_DOWN, VK_MENU); });
     steps.push_back([](HWND) {});
-    steps.push_back(kClose);
+    steps.push_back(test::Close);
     list.Play(steps);
     EXPECT_TRUE(list.moves.empty());
 }
@@ -159,7 +158,7 @@ TEST(ListColumns, StylesOfBothKindsAreKeptApart) {
                    list.List().SendMessage(LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_FULLROWSELECT, 0);
                    EXPECT_EQ(styles(), 0x10000000);
                },
-               kClose});
+               test::Close});
 }
 
 TEST(ListColumns, ChoicesAndKinds) {
@@ -180,7 +179,7 @@ TEST(ListColumns, ChoicesAndKinds) {
                    EXPECT_EQ(list.List().GetColumnInfo(0).GetKind(), 0U);
                    EXPECT_EQ(list.List().GetColumnInfo(4).GetChoiceCount(), 1);
                },
-               kClose});
+               test::Close});
 }
 
 TEST(ListColumns, WidthsComeBackAndFollowTheList) {
@@ -218,7 +217,7 @@ TEST(ListColumns, WidthsComeBackAndFollowTheList) {
                    }
                    EXPECT_EQ(control.GetColumnWidths(1), kept);
                },
-               kClose});
+               test::Close});
 }
 
 WNDPROC g_before = nullptr;
@@ -278,7 +277,7 @@ TEST(ListLook, Screenshots) {
                [&](HWND) { list.List().EditCell(1, 3); }, [](HWND) {}, [](HWND) {},
                [](HWND dialog) { test::Screenshot(dialog, L"list-choice"); }, [](HWND) { PressKey(VK_ESCAPE); },
                [](HWND) { PressKey(VK_TAB); }, [](HWND dialog) { test::Screenshot(dialog, L"list-unfocused"); },
-               kClose});
+               test::Close});
     EXPECT_TRUE(list.edited.empty());
 }
 

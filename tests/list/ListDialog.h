@@ -28,6 +28,11 @@ struct RequestedMove {
 
 enum : int { kListId = 101, kFieldId = 102 };
 
+// The last step.
+inline void Close(HWND dialog) {
+    EndDialog(dialog, 0);
+}
+
 class ListDialog {
 public:
     // Rows: "r0c0", "r0c1", ..., a choice of "", "Total" and "Date", and data 100, 101, ...

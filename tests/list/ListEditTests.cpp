@@ -11,8 +11,6 @@ using test::PressKey;
 using test::Steps;
 using test::TypeText;
 
-const auto kClose = [](HWND dialog) { EndDialog(dialog, 0); };
-
 // A step that presses a key, and one that looks.
 std::function<void(HWND)> Key(WORD key, WORD modifier = 0) {
     return [=](HWND) { PressKey(key, modifier); };
@@ -41,7 +39,7 @@ TEST(ListEdit, EveryWayInOneWayOut) {
                                               EXPECT_EQ(list.EditedCellText(), L"");
                                               EXPECT_TRUE(list.ListHasFocus());
                                           },
-                                          kClose});
+                                          test::Close});
         EXPECT_EQ(result, 0) << "Enter reached the dialog";
         EXPECT_EQ(list.edited, (std::vector<EditedCell>{{0, 0, L" 12", 100}}));
     }
@@ -54,7 +52,7 @@ TEST(ListEdit, TheFirstClickOnlySelects) {
                click, [](HWND) {}, Expect(list, L"1,1:r1c1"),
                // The read-only column only selects, however often it is clicked.
                [&](HWND) { test::ClickAt(list.CellPoint(2, 2)); }, [](HWND) {},
-               [&](HWND) { test::ClickAt(list.CellPoint(2, 2)); }, [](HWND) {}, Expect(list, L""), kClose});
+               [&](HWND) { test::ClickAt(list.CellPoint(2, 2)); }, [](HWND) {}, Expect(list, L""), test::Close});
     EXPECT_TRUE(list.edited.empty());
 }
 
@@ -62,7 +60,7 @@ TEST(ListEdit, AClickThatBringsTheFocusDoesNotEdit) {
     ListDialog list;
     const auto click = [&](HWND) { test::ClickAt(list.CellPoint(0, 0)); };
     list.Play({[](HWND dialog) { SetFocus(GetDlgItem(dialog, test::kFieldId)); }, click, [](HWND) {}, [](HWND) {},
-               Expect(list, L""), [&](HWND) { EXPECT_TRUE(list.ListHasFocus()); }, kClose});
+               Expect(list, L""), [&](HWND) { EXPECT_TRUE(list.ListHasFocus()); }, test::Close});
 }
 
 TEST(ListEdit, EscapeTakesTheTextBackAndStaysInside) {
@@ -111,7 +109,7 @@ TEST(ListEdit, TabWalksTheCellsAndLeadsOut) {
                Key(VK_TAB, VK_SHIFT),
                [](HWND) {},
                [&](HWND dialog) { EXPECT_TRUE(list.HasFocus(GetDlgItem(dialog, test::kFieldId))); },
-               kClose});
+               test::Close});
     EXPECT_EQ(list.edited, (std::vector<EditedCell>{{0, 0, L"1", 100}, {0, 1, L"2", 100}}));
 }
 
@@ -120,7 +118,7 @@ TEST(ListEdit, ArrowsChooseTheCellThatF2Edits) {
     list.Play({Key(VK_DOWN), Key(VK_RIGHT), Key(VK_F2), Expect(list, L"1,1:r1c1"), Key(VK_ESCAPE), Key(VK_LEFT),
                Key(VK_LEFT), Key(VK_F2), Expect(list, L"1,0:r1c0"), Key(VK_ESCAPE),
                // From the read-only column F2 goes to the first that can be edited.
-               Key(VK_RIGHT), Key(VK_RIGHT), Key(VK_F2), Expect(list, L"1,0:r1c0"), kClose});
+               Key(VK_RIGHT), Key(VK_RIGHT), Key(VK_F2), Expect(list, L"1,0:r1c0"), test::Close});
 }
 
 TEST(ListEdit, LosingTheFocusCommits) {
@@ -130,7 +128,7 @@ TEST(ListEdit, LosingTheFocusCommits) {
                [&](HWND dialog) { EXPECT_TRUE(list.HasFocus(GetDlgItem(dialog, test::kFieldId))); },
                [&](HWND) { list.List().SetFocus(); }, Key(VK_F2), Type(L"8"),
                [&](HWND) { test::ClickAt(list.CellPoint(2, 0)); }, [](HWND) {},
-               [&](HWND) { EXPECT_EQ(list.SelectedRow(), 2); }, kClose});
+               [&](HWND) { EXPECT_EQ(list.SelectedRow(), 2); }, test::Close});
     EXPECT_EQ(list.edited, (std::vector<EditedCell>{{0, 0, L"7", 100}, {0, 0, L"8", 100}}));
 }
 
@@ -157,7 +155,7 @@ TEST(ListEdit, ABoxOfTheParentEndsCleanly) {
                          EXPECT_EQ(GetCapture(), nullptr);
                          EXPECT_EQ(list.Cell(0, 0), L"12a");
                      },
-                     kClose};
+                     test::Close};
     };
     const std::function<void(HWND)> actions[] = {[](HWND dialog) { test::ClickOn(GetDlgItem(dialog, IDOK)); },
                                                  [&](HWND) { test::ClickAt(list.CellPoint(2, 0)); }, Key(VK_RETURN)};
@@ -173,22 +171,22 @@ TEST(ListEdit, ChoicesByKeysAndMouse) {
     ListDialog list;
     RECT dropped = {};
     const auto edit = [&](HWND) { EXPECT_TRUE(list.List().EditCell(0, 3)); };
-    list.Play({edit, Expect(list, L"0,3:"), Key(VK_DOWN), Key(VK_RETURN),
-               [&](HWND) { EXPECT_EQ(list.Cell(0, 3), L"Total"); }, edit, Key(VK_DOWN), Key(VK_ESCAPE),
-               [&](HWND) { EXPECT_EQ(list.Cell(0, 3), L"Total"); }, edit, [](HWND) {},
-               [&](HWND) {
-                   COMBOBOXINFO info = {};
-                   info.cbSize = sizeof(info);
-                   EXPECT_TRUE(GetComboBoxInfo(list.Editor(), &info));
-                   EXPECT_TRUE(IsWindowVisible(info.hwndList));
-                   GetWindowRect(info.hwndList, &dropped);
-                   test::MouseMove({dropped.left + 10, dropped.top + 6});
-               },
-               // The first of three is the empty choice.
-               [&](HWND) {
-                   test::ClickAt({dropped.left + 10, dropped.top + 6});
-               },
-               [](HWND) {}, [](HWND) {}, Expect(list, L""), [&](HWND) { EXPECT_TRUE(list.ListHasFocus()); }, kClose});
+    list.Play(
+        {edit, Expect(list, L"0,3:"), Key(VK_DOWN), Key(VK_RETURN), [&](HWND) { EXPECT_EQ(list.Cell(0, 3), L"Total"); },
+         edit, Key(VK_DOWN), Key(VK_ESCAPE), [&](HWND) { EXPECT_EQ(list.Cell(0, 3), L"Total"); }, edit, [](HWND) {},
+         [&](HWND) {
+             COMBOBOXINFO info = {};
+             info.cbSize = sizeof(info);
+             EXPECT_TRUE(GetComboBoxInfo(list.Editor(), &info));
+             EXPECT_TRUE(IsWindowVisible(info.hwndList));
+             GetWindowRect(info.hwndList, &dropped);
+             test::MouseMove({dropped.left + 10, dropped.top + 6});
+         },
+         // The first of three is the empty choice.
+         [&](HWND) {
+             test::ClickAt({dropped.left + 10, dropped.top + 6});
+         },
+         [](HWND) {}, [](HWND) {}, Expect(list, L""), [&](HWND) { EXPECT_TRUE(list.ListHasFocus()); }, test::Close});
     EXPECT_EQ(list.edited, (std::vector<EditedCell>{{0, 3, L"Total", 100}, {0, 3, L"", 100}}));
 }
 
@@ -210,7 +208,7 @@ TEST(ListEdit, PastedAndVeryLongTextBecomesOneLine) {
     list.Play({Key(VK_F2), paste(L"\r\n12.5\r\n13\t14"), [](HWND) {}, Expect(list, L"0,0:12.5"), Key(VK_RETURN),
                Key(VK_F2), paste(std::wstring(100000, L'9')), [](HWND) {}, Key(VK_RETURN), Key(VK_F2),
                // A program that sets the text is not bound to one line.
-               [&](HWND) { SetWindowTextW(list.Editor(), L"4\n5"); }, Key(VK_RETURN), kClose});
+               [&](HWND) { SetWindowTextW(list.Editor(), L"4\n5"); }, Key(VK_RETURN), test::Close});
     ASSERT_EQ(list.edited.size(), 3U);
     EXPECT_EQ(list.edited[0].text, L"12.5");
     EXPECT_EQ(list.edited[1].text, std::wstring(4095, L'9'));
@@ -238,7 +236,7 @@ TEST(ListEdit, TheEditorStaysOnItsCell) {
                },
                Expect(list, L"1501,1:r1500c1"), [&](HWND) { list.List().DeleteItem(7); },
                Expect(list, L"1500,1:r1500c1"), Type(L"5"), [&](HWND) { list.List().EnsureVisible(0); }, [](HWND) {},
-               Expect(list, L""), [&](HWND) { EXPECT_TRUE(list.ListHasFocus()); }, kClose});
+               Expect(list, L""), [&](HWND) { EXPECT_TRUE(list.ListHasFocus()); }, test::Close});
     EXPECT_EQ(list.edited, (std::vector<EditedCell>{{1500, 1, L"5", 1600}}));
 }
 
@@ -253,7 +251,7 @@ TEST(ListEdit, RowsThatGoTakeTheEditorAlong) {
                        EXPECT_EQ(list.Editor(), nullptr);
                        EXPECT_TRUE(list.ListHasFocus());
                    },
-                   kClose});
+                   test::Close});
         EXPECT_TRUE(list.edited.empty());
     }
 }
@@ -261,14 +259,14 @@ TEST(ListEdit, RowsThatGoTakeTheEditorAlong) {
 TEST(ListEdit, TheListMayGoAtAnyMoment) {
     ListDialog list;
     const auto destroy = [&] { DestroyWindow(list.List().GetSafeHwnd()); };
-    list.Play({Key(VK_F2), Type(L"5"), [&](HWND) { destroy(); }, [](HWND) {}, kClose});
+    list.Play({Key(VK_F2), Type(L"5"), [&](HWND) { destroy(); }, [](HWND) {}, test::Close});
     EXPECT_TRUE(list.edited.empty());
-    list.Play({Key(VK_F2), Type(L"5"), kClose});
+    list.Play({Key(VK_F2), Type(L"5"), test::Close});
     EXPECT_TRUE(list.edited.empty());
     // From inside its own notification, by each key that goes on afterwards.
     list.onEdited = [&](const EditedCell&) { destroy(); };
     for (const WORD key : {WORD{VK_RETURN}, WORD{VK_TAB}})
-        list.Play({Key(VK_F2), Type(L"5"), Key(key), [](HWND) {}, kClose});
+        list.Play({Key(VK_F2), Type(L"5"), Key(key), [](HWND) {}, test::Close});
     EXPECT_EQ(list.edited.size(), 2U);
 }
 
@@ -279,7 +277,7 @@ TEST(ListEdit, TheParentCanEndIt) {
                    EXPECT_TRUE(list.List().EndEdit(true));
                    EXPECT_FALSE(list.List().EndEdit(true));
                },
-               Key(VK_F2), Type(L"6"), [&](HWND) { EXPECT_TRUE(list.List().EndEdit(false)); }, kClose});
+               Key(VK_F2), Type(L"6"), [&](HWND) { EXPECT_TRUE(list.List().EndEdit(false)); }, test::Close});
     EXPECT_EQ(list.edited, (std::vector<EditedCell>{{0, 0, L"5", 100}}));
     list.Play({[&](HWND) {
                    EXPECT_FALSE(list.List().EditCell(0, 2)) << "read-only";
@@ -289,7 +287,7 @@ TEST(ListEdit, TheParentCanEndIt) {
                    list.List().EnableWindow(false);
                    EXPECT_FALSE(list.List().EditCell(0, 0)) << "disabled";
                },
-               kClose});
+               test::Close});
 }
 
 TEST(ListEdit, ScreenReadersHearTheColumn) {
@@ -301,7 +299,7 @@ TEST(ListEdit, ScreenReadersHearTheColumn) {
                        EXPECT_EQ(GetTextOfWindow(label), column == 1 ? L"Width 3" : L"Field 3");
                    }
                },
-               kClose});
+               test::Close});
 }
 
 }  // namespace

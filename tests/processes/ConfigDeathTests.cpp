@@ -13,7 +13,6 @@ namespace {
 
 constexpr UINT kEndedWhileOpen = 12;
 constexpr int kWhileOpen = -1;
-constexpr UINT kFinished = 100;  // and the number of calls in OK
 
 void Edit(HWND dialog) {
     Push(dialog, IDC_CONFIG_ADD);

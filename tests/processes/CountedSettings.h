@@ -11,7 +11,9 @@
 
 namespace test {
 
+// How a process ended.
 constexpr UINT kEndedAtCall = 9;
+constexpr UINT kFinished = 100;  // and the number of calls
 
 // Shared by all objects of the process.
 struct HostCalls {

@@ -13,7 +13,6 @@ namespace {
 
 constexpr UINT kEndedAtStep = 10;
 constexpr UINT kLeft = 11;
-constexpr UINT kFinished = 100;  // and the number of calls
 constexpr wchar_t kReady[] = L"ZonwickProcessTestReady";
 constexpr wchar_t kGo[] = L"ZonwickProcessTestGo";
 

@@ -60,8 +60,6 @@ protected:
     DWORD m_cookie = 0;
 };
 
-const auto kCancel = [](HWND dialog) { test::Push(dialog, IDCANCEL); };
-
 TEST_F(Controls, EventsReachTheirHandlersAndFailuresStayInside) {
     ControlDlg dialog(&test::kFakeControlClass);
     test::PlayDialog({[&](HWND) {
@@ -76,7 +74,7 @@ TEST_F(Controls, EventsReachTheirHandlersAndFailuresStayInside) {
                           for (int i = 0; i < 20; ++i) EXPECT_EQ(control.Fire(kMoved, {1, 2}), E_ACCESSDENIED);
                           EXPECT_EQ(test::TakeBoxes().size(), 2U) << "one for each cause";
                       },
-                      kCancel},
+                      test::Cancel},
                      [&] { EXPECT_EQ(dialog.DoModal(), IDCANCEL); });
 }
 
@@ -99,7 +97,7 @@ TEST_F(Controls, TabEntersTheControlAndLeavesIt) {
              EXPECT_EQ(rect.right, 33);
              EXPECT_EQ(rect.bottom, 44);
          },
-         kCancel},
+         test::Cancel},
         [&] { dialog.DoModal(); });
 }
 

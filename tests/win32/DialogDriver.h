@@ -24,6 +24,9 @@ void ClickOn(HWND window);
 
 std::wstring TextOf(HWND dialog, UINT id);
 void Push(HWND dialog, UINT id);  // by message
+inline void Cancel(HWND dialog) {
+    Push(dialog, IDCANCEL);
+}
 
 // What was shown and asked for since the last call.
 struct Box {

@@ -66,7 +66,6 @@ protected:
 };
 
 const auto kOk = [](HWND dialog) { test::Push(dialog, IDOK); };
-const auto kCancel = [](HWND dialog) { test::Push(dialog, IDCANCEL); };
 const auto kButton = [](HWND dialog) { test::Push(dialog, IDC_TEST_BUTTON); };
 
 TEST_F(DialogLayer, AnExceptionOfTheInitialisationComesOutOfDoModal) {
@@ -96,7 +95,8 @@ TEST_F(DialogLayer, AFailingCommandIsToldEachTimeAndTheDialogStays) {
         if (++pressed <= 2) throw _com_error(REGDB_E_CLASSNOTREG);
         if (pressed == 3) throw std::bad_alloc();
     };
-    test::PlayDialog({kButton, kButton, kButton, kButton, kCancel}, [&] { EXPECT_EQ(dialog.DoModal(), IDCANCEL); });
+    test::PlayDialog({kButton, kButton, kButton, kButton, test::Cancel},
+                     [&] { EXPECT_EQ(dialog.DoModal(), IDCANCEL); });
     const auto boxes = test::TakeBoxes();
     ASSERT_EQ(boxes.size(), 3U);
     EXPECT_NE(boxes[0].text.find(L"not registered (error 0x80040154)"), std::wstring::npos) << boxes[0].text.c_str();
@@ -115,7 +115,8 @@ TEST_F(DialogLayer, AFailingNotificationIsToldOncePerCause) {
     const auto moves = [](HWND window) {
         for (int i = 0; i < 50; ++i) SendMessageW(window, kMessageThatFails, 0, 0);
     };
-    test::PlayDialog({moves, moves, [&](HWND) { status = E_ACCESSDENIED; }, moves, kCancel}, [&] { dialog.DoModal(); });
+    test::PlayDialog({moves, moves, [&](HWND) { status = E_ACCESSDENIED; }, moves, test::Cancel},
+                     [&] { dialog.DoModal(); });
     EXPECT_EQ(test::TakeBoxes().size(), 2U);
     EXPECT_EQ(test::TakeTraces().size(), 2U);
 }
@@ -137,7 +138,7 @@ TEST_F(DialogLayer, ResultsOfNotificationsReachTheSender) {
         header.code = 78;
         unknown = SendMessageW(window, WM_NOTIFY, IDC_TEST_NUMBER, reinterpret_cast<LPARAM>(&header));
     };
-    test::PlayDialog({notify, kCancel}, [&] { dialog.DoModal(); });
+    test::PlayDialog({notify, test::Cancel}, [&] { dialog.DoModal(); });
     EXPECT_EQ(known, 42);
     EXPECT_EQ(unknown, 0);
 }
@@ -153,7 +154,7 @@ TEST_F(DialogLayer, RefusedNumbersKeepTheDialogOpenWithTheFieldSelected) {
                               EXPECT_EQ(focus, GetDlgItem(window, IDC_TEST_NUMBER));
                               selection = static_cast<DWORD>(SendMessageW(focus, EM_GETSEL, 0, 0));
                           },
-                          kCancel},
+                          test::Cancel},
                          [&] {
                              dialog.m_onButton = [] {};
                              EXPECT_EQ(dialog.DoModal(), IDCANCEL);
@@ -181,11 +182,11 @@ TEST_F(DialogLayer, ADialogWithoutParentIsOwnedByTheOneItIsOpenedFrom) {
                               EXPECT_EQ(GetWindow(window, GW_OWNER), outer.GetSafeHwnd());
                               EXPECT_FALSE(IsWindowEnabled(outer.GetSafeHwnd()));
                           },
-                          kCancel},
+                          test::Cancel},
                          [&] { inner.DoModal(); });
         EXPECT_TRUE(IsWindowEnabled(outer.GetSafeHwnd()));
     };
-    test::PlayDialog({kButton, kCancel}, [&] { outer.DoModal(); });
+    test::PlayDialog({kButton, test::Cancel}, [&] { outer.DoModal(); });
 }
 
 TEST_F(DialogLayer, ATemplateThatCannotBeMadeGivesMinusOne) {

@@ -8,7 +8,7 @@
 namespace listtable {
 namespace {
 
-constexpr size_t kLongestText = 4095;
+constexpr size_t kLongestLine = 4095;
 constexpr int kShownChoices = 10;
 constexpr int kEditorId = 1;
 constexpr int kNoControl = -1;
@@ -26,7 +26,7 @@ std::wstring GetClipboardLine(HWND window) {
     if (const HANDLE data = GetClipboardData(CF_UNICODETEXT)) {
         if (const auto* text = static_cast<const wchar_t*>(GlobalLock(data))) {
             const size_t room = GlobalSize(data) / sizeof(wchar_t);
-            const std::wstring_view whole(text, std::min(room, 2 * kLongestText));
+            const std::wstring_view whole(text, std::min(room, 2 * kLongestLine));
             line = GetOneLine(whole.substr(0, whole.find(L'\0')));
             GlobalUnlock(data);
         }
@@ -41,7 +41,7 @@ void Paste(HWND edit) {
     DWORD end = 0;
     SendMessageW(edit, EM_GETSEL, reinterpret_cast<WPARAM>(&first), reinterpret_cast<LPARAM>(&end));
     const size_t kept = static_cast<size_t>(GetWindowTextLengthW(edit)) - (end - first);
-    line.resize(std::min(line.size(), kLongestText - std::min(kept, kLongestText)));
+    line.resize(std::min(line.size(), kLongestLine - std::min(kept, kLongestLine)));
     if (!line.empty()) SendMessageW(edit, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(line.c_str()));
 }
 
@@ -79,7 +79,7 @@ bool CellEditor::OpenText(HWND list) {
     m_window = CreateChild(list, WC_EDITW, m_text, WS_BORDER | ES_AUTOHSCROLL, kEditorId);
     if (m_window == nullptr) return false;
     SendMessageW(m_window, WM_SETFONT, static_cast<WPARAM>(SendMessageW(list, WM_GETFONT, 0, 0)), FALSE);
-    SendMessageW(m_window, EM_LIMITTEXT, kLongestText, 0);
+    SendMessageW(m_window, EM_LIMITTEXT, kLongestLine, 0);
     return true;
 }
 
