@@ -48,6 +48,33 @@ TEST(AreaSetFile, WrittenSetsAreReadBackTheSame) {
     EXPECT_EQ(FormatAreaSets(ParseAreaSets(text, "sets.json")), text);
 }
 
+// What the module stored may have no usable page, and an identifier is shown where there is one.
+TEST(AreaSetFile, WritesOnlyPagesThatCanBeReadAgain) {
+    constexpr int32_t kHigh = std::numeric_limits<int32_t>::max();
+    EXPECT_EQ(ParseAreaSets(FormatAreaSets({{7, "a", 0, {0, 0, 10, 10}, {}}}), "f").at(0).page, (Rect{0, 0, 10, 10}));
+    for (const Rect& page : {Rect{}, Rect{0, 0, 0, 10}, Rect{0, 0, 10, 0}, Rect{9, 9, 0, 0}, Rect{-2, 0, kHigh, 10},
+                             Rect{0, -2, 10, kHigh}}) {
+        const std::string text = FormatAreaSets({{7, "a", 0, page, {}}});
+        EXPECT_THAT(text, HasSubstr("\"id\": 7,"));
+        EXPECT_THAT(text, testing::Not(HasSubstr("\"page\""))) << page.right << ' ' << page.bottom;
+        EXPECT_EQ(ParseAreaSets(text, "f").size(), 1u);
+    }
+    EXPECT_EQ(MessageFor(FormatAreaSets({})), "sets.json: sets: holds no area set");
+}
+
+// Somebody may hand over the settings file itself: that is told, not taken for a mistake in an area set file.
+TEST(AreaSetFile, TellsASettingsFileFromAnother) {
+    for (const auto& [text, isSettings] :
+         std::initializer_list<std::pair<const char*, bool>>{{R"({"RealWidth":1,"0x0000002a":{"Name":"a"}})", true},
+                                                             {R"({"0x0000002a":5})", false},
+                                                             {R"({"View":{}})", false},
+                                                             {R"({"sets":[],"0x0000002a":{}})", false},
+                                                             {"[]", false},
+                                                             {"{", false}}) {
+        EXPECT_EQ(IsSettings(text), isSettings) << text;
+    }
+}
+
 TEST(AreaSetFile, SetWithoutPageGetsA4ThatHoldsItsAreas) {
     const auto sets = ParseAreaSets(
         SetWith("\"A3\"", R"("mode":"ignored","areas":[{"left":0,"top":0,"right":2970,"bottom":100}])"), "f");
@@ -88,6 +115,15 @@ TEST(AreaSetFile, EveryMistakeIsToldWithItsPlace) {
          "areas[0].left: must be a whole number from -2147483648 to 2147483647"},
         {SetWith("\"a\"", R"("mode":"required","areas":[{"left":1,"top":1,"right":18446744073709551615,"bottom":3}])"),
          "areas[0].right: must be a whole number"},
+        {SetWith("\"a\"", R"("mode":"required","areas":[{"left":1,"top":1,"right":2147483648,"bottom":3}])"),
+         "areas[0].right: must be a whole number"},
+        {SetWith("\"a\"", R"("mode":"required","areas":[{"left":-2147483649,"top":1,"right":2,"bottom":3}])"),
+         "areas[0].left: must be a whole number"},
+        {SetWith("\"a\"", R"("areas":[])"), "sets[0].mode: must be"},
+        {SetWith("\"a\"", R"("mode":"required")"), "sets[0].areas: must be a list of areas"},
+        {SetWith("\"a\"", R"("mode":"required","areas":{})"), "sets[0].areas: must be a list of areas"},
+        {R"({"sets":[],"unit":"0.1 mm","sets":[],"unit":"0.1 mm"})", "two entries \"sets\""},
+        {SetWith("\"a\x7F\"", kGoodRest), "must not hold control characters"},
         {R"({"sets":[{"name":"a","mode":"ignored","areas":[]},{"name":"a","mode":"ignored","areas":[]}]})",
          "sets[1].name: another set of this file is called \"a\""},
     };

@@ -16,6 +16,9 @@ TEST(FieldSpec, NamesMayHoldEqualsAndPlacesAreFourNumbers) {
         {"Total=1,2,3", ""},
         {"Total=1,2,3,4,5", ""},
         {"Total=1,2,3,2147483648", ""},
+        {"Total=-2147483649,2,3,4", ""},
+        {"Total=0x,2,3,4", ""},
+        {"Total=0x-1,2,3,4", ""},
         {"Total=1,2,,4", ""},
         {"Total=", ""},
     };

@@ -67,6 +67,33 @@ TEST(FindPages, TakesFilesFoldersAndPatternsOnce) {
     for (const fs::path& file : pages.files) names.push_back(Utf8FromPath(file.filename()));
     EXPECT_EQ(names, (std::vector<std::string>{"b.tif", "a.PNG", "c.jpeg", "z\xC3\xA4.bmp", "notes.txt"}));
     EXPECT_EQ(pages.problems.size(), 3u) << Join(pages.problems, "\n");
+    // A pattern without a folder looks into the current one.
+    const fs::path before = fs::current_path();
+    fs::current_path(folder);
+    EXPECT_EQ(FindPages({"b*.tif"}).files, (std::vector<fs::path>{fs::path(".") / "b.tif"}));
+    fs::current_path(before);
+    fs::remove_all(folder);
+}
+
+// Texts that a host's operator may hand over, by any name and of any size.
+TEST(ReadTextFile, TellsWhatIsWrongWithTheFile) {
+    const fs::path folder = fs::temp_directory_path() / ("zonhost-text-" + std::to_string(std::random_device{}()));
+    fs::create_directories(folder);
+    const std::string whole(200000, 'x');
+    std::ofstream(folder / "whole.txt", std::ios::binary) << whole;
+    EXPECT_EQ(ReadTextFile(folder / "whole.txt", 200000), whole);
+    const struct {
+        const char* name;
+        const char* message;
+    } cases[] = {{"whole.txt", "longer than the 0 MiB"}, {"", "is a folder"}, {"none.txt", "none.txt: no such file"}};
+    for (const auto& test : cases) {
+        try {
+            ReadTextFile(folder / test.name, 199999);
+            ADD_FAILURE() << test.name << " was read";
+        } catch (const CommandError& error) {
+            EXPECT_THAT(error.what(), testing::HasSubstr(test.message));
+        }
+    }
     fs::remove_all(folder);
 }
 

@@ -20,6 +20,8 @@ TEST_F(RectEditorTest, DrawsOnThePage) {
     DragFromTo({1300, 1300}, {1303, 1304});
     DragFromTo({-500, 100}, {-100, 900});
     DragFromTo({2200, 3000}, {INT32_MAX, INT32_MAX});
+    DragFromTo({100, -500}, {900, -100});
+    DragFromTo({100, 3000}, {900, 3500});
     EXPECT_EQ(Told(), "") << "a click and drags beside the page draw nothing";
     EXPECT_EQ(model.Primary(), 0) << "and end the selection";
 }
@@ -233,6 +235,114 @@ TEST_F(RectEditorTest, ModesLimitWhatIsDone) {
     EXPECT_EQ(Told(), "");
 }
 
+TEST_F(RectEditorTest, ControlDrawsAlsoInsideAnother) {
+    const int32_t id = Add({500, 500, 1500, 1500});
+    DragFromTo({700, 700}, {900, 900}, {.control = true, .alt = true});
+    EXPECT_EQ(At(id), (Rect{500, 500, 1500, 1500}));
+    EXPECT_EQ(At(2), (Rect{700, 700, 900, 900}));
+    editor.SetMode(false, false);
+    DragFromTo({1200, 1200}, {1300, 1300}, {.control = true});
+    EXPECT_EQ(model.Items().size(), 2u) << "where nothing is edited it is a click";
+    EXPECT_EQ(model.Primary(), id);
+    editor.SetMode(true, false);
+    editor.SetPage({});
+    DragFromTo({1200, 1200}, {1300, 1300}, {.control = true});
+    EXPECT_EQ(model.Items().size(), 2u) << "nor without a page";
+}
+
+TEST_F(RectEditorTest, LeftEdgeSnapsAsTheRightOne) {
+    Add({100, 100, 300, 300});
+    const int32_t id = Add({600, 100, 900, 300});
+    model.Select(id);
+    DragFromTo({600, 200}, {308, 200});
+    EXPECT_EQ(At(id), (Rect{300, 100, 900, 300}));
+}
+
+TEST_F(RectEditorTest, ClickOnAHandleLeavesTheSelection) {
+    editor.SetMode(true, true);
+    for (int i = 0; i < 2; ++i) Add({i * 400, 100, i * 400 + 300, 300});
+    editor.SelectAll();
+    editor.Press({700, 300}, {}, reach);
+    editor.Release();
+    EXPECT_EQ(model.Selection().size(), 2u);
+    editor.SetMode(true, false);
+    EXPECT_EQ(model.Selection(), (std::vector<int32_t>{2})) << "where several are not allowed the last one stays";
+}
+
+// Keys that come while the pointer's button is down, or with nothing to work on, must not do half a thing.
+TEST_F(RectEditorTest, KeysWaitForTheDragToEnd) {
+    const std::function<void()> keys[] = {[&] { editor.Nudge(5, 5, false, false); },
+                                          [&] {
+                                              editor.StartOrEndNew({0, 0, 2100, 2970});
+                                          },
+                                          [&] { editor.SelectAll(); }, [&] { EXPECT_FALSE(editor.Walk(false)); }};
+    editor.Nudge(5, 5, false, false);
+    EXPECT_EQ(Told(), "") << "nothing is selected";
+    editor.SetMode(true, true);
+    Add({100, 100, 300, 300});
+    const int32_t id = Add({600, 600, 800, 800});
+    int32_t left = 600;
+    for (const auto& key : keys) {
+        editor.Press({left + 100, 700}, {.alt = true}, reach);
+        editor.Drag({left + 150, 700}, {.alt = true});
+        Told();
+        key();
+        EXPECT_TRUE(editor.Busy() && !editor.MakingByKeys());
+        editor.Release();
+        EXPECT_EQ(Told(), "changed2");
+        EXPECT_EQ(At(id).left, left += 50);
+    }
+    editor.Press({left + 100, 700}, {}, reach);
+    editor.Drag({left + 150, 700}, {});
+    editor.DeleteSelected();
+    EXPECT_EQ(model.Items().size(), 2u) << "the first press takes the drag back";
+    EXPECT_FALSE(editor.Busy());
+    editor.StartOrEndNew({0, 0, 2100, 2970});
+    editor.Release();
+    EXPECT_TRUE(editor.MakingByKeys()) << "the pointer's button does not end what keys began";
+}
+
+TEST_F(RectEditorTest, WalksFromThePlaceOfADeletedOne) {
+    const struct {
+        int32_t deleted;
+        bool back;
+        const char* told;
+    } cases[] = {{2, false, "selected3"}, {2, true, "selected1"}, {3, false, ""}, {3, true, "selected2"}};
+    for (const auto& test : cases) {
+        model.StartHistory();
+        while (!model.Items().empty()) model.Delete(model.Items().back().id);
+        const int32_t first = Add({0, 0, 50, 50});
+        for (int i = 1; i < 3; ++i) Add({i * 100, 0, i * 100 + 50, 50});
+        model.Select(first + test.deleted - 1);
+        editor.DeleteSelected();
+        Told();
+        const bool walked = editor.Walk(test.back);
+        EXPECT_EQ(walked, *test.told != '\0') << test.deleted << test.back;
+        const int32_t expected = walked ? first + test.told[8] - '1' : 0;
+        EXPECT_EQ(model.Primary(), expected) << test.deleted << test.back;
+    }
+    // A program emptied the list in between.
+    while (!model.Items().empty()) model.Delete(model.Items().back().id);
+    editor.DeleteSelected();
+    Add({0, 0, 50, 50});
+    EXPECT_TRUE(editor.Walk(true));
+}
+
+TEST_F(RectEditorTest, UndoAndRedoOnlyWhereEdited) {
+    const int32_t id = Add({500, 500, 700, 700});
+    model.StartHistory();
+    DragFromTo({600, 600}, {700, 600}, {.alt = true});
+    EXPECT_TRUE(editor.Undo());
+    EXPECT_EQ(At(id).left, 500);
+    editor.StartOrEndNew({0, 0, 2100, 2970});
+    EXPECT_FALSE(editor.Redo()) << "it takes back what is under way";
+    EXPECT_TRUE(editor.Redo());
+    EXPECT_EQ(At(id).left, 600);
+    editor.SetMode(false, false);
+    EXPECT_FALSE(editor.Undo() || editor.Redo());
+    EXPECT_EQ(At(id).left, 600);
+}
+
 // What a program does to a rectangle that is just being dragged, in an event or from a timer.
 TEST_F(RectEditorTest, DragEndsWhenItsRectangleGoes) {
     const int32_t id = Add({500, 500, 700, 700});
@@ -244,12 +354,23 @@ TEST_F(RectEditorTest, DragEndsWhenItsRectangleGoes) {
     editor.Release();
     EXPECT_EQ(Told(), "selected1 deleted1");
 
+    for (const int32_t forgotten : {99, 0}) {
+        const int32_t other = Add({500, 500, 700, 700});
+        editor.Press({600, 600}, {}, reach);
+        editor.Drag({700, 700}, {});
+        editor.Forget(forgotten);
+        EXPECT_EQ(editor.Busy(), forgotten != 0) << "one that is not dragged does not matter";
+        editor.Cancel();
+        model.Delete(other);
+    }
+    Told();
+
     Add({500, 500, 700, 700});
     onEvent = [&](const Event& event) {
         if (event.kind == EventKind::Selected) model.Delete(event.id);
     };
     DragFromTo({600, 600}, {900, 900});
-    EXPECT_EQ(Told(), "selected2 deleted2");
+    EXPECT_EQ(Told(), "selected4 deleted4");
 }
 
 }  // namespace

@@ -76,6 +76,31 @@ TEST_F(RectModelTest, HeldKeyIsOneStep) {
     EXPECT_FALSE(model.Undo());
 }
 
+TEST_F(RectModelTest, AHeldKeyOnOthersIsAStepOfItsOwn) {
+    for (int i = 0; i < 3; ++i) Add({i, 0, i + 10, 10});
+    model.StartHistory();
+    model.Move({{1, {50, 0, 60, 10}}}, false);
+    model.Move({{2, {50, 0, 60, 10}}}, true);
+    model.Move({{2, {60, 0, 70, 10}}, {3, {60, 0, 70, 10}}}, true);
+    model.Move({{2, {60, 0, 70, 10}}, {99, {}}}, true);  // as it is, and one that is gone
+    model.Undo();
+    model.Move({{2, {70, 0, 80, 10}}}, true);
+    int steps = 0;
+    while (model.Undo()) ++steps;
+    EXPECT_EQ(steps, 3);
+    EXPECT_EQ(At(2).left, 1);
+}
+
+TEST_F(RectModelTest, HistoryHasAnEnd) {
+    Add({0, 0, 10, 10});
+    model.StartHistory();
+    for (int i = 1; i <= 1010; ++i) model.Update(1, {i, 0, i + 10, 10});
+    int steps = 0;
+    while (model.Undo()) ++steps;
+    EXPECT_EQ(steps, 1000);
+    EXPECT_EQ(At(1).left, 10) << "the oldest steps are gone";
+}
+
 // A listener that works on the control inside an event, as dialogs do.
 TEST_F(RectModelTest, ListenerMayCallBack) {
     onEvent = [this](const Event& event) {
@@ -114,6 +139,8 @@ TEST_F(RectModelTest, SeveralSelected) {
     EXPECT_EQ(Told(), "selected3 selected2");
     model.Delete(2);
     EXPECT_EQ(model.Primary(), 3);
+    model.Toggle(2);
+    EXPECT_EQ(model.Selection(), (std::vector<int32_t>{1, 3})) << "what is gone is not selected";
 }
 
 }  // namespace

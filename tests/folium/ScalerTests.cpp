@@ -149,10 +149,17 @@ TEST(PageTiles, LargePageTakesNoMoreThanItsShare) {
 
 TEST(PageTiles, UnusableSourceIsNone) {
     const uint8_t row[16] = {};
+    const uint32_t palette[256] = {};
     PageTiles tiles;
+    for (const PageSource& source : {PageSource{4, 4, 1, palette, row, 1}, PageSource{4, 4, 8, palette, row, 4},
+                                     PageSource{4, 4, 24, nullptr, row, 12}, PageSource{4, 4, 32, nullptr, row, 16}}) {
+        tiles.SetSource(source);
+        EXPECT_TRUE(tiles.HasSource()) << source.bitsPerPixel;
+    }
     for (const PageSource& source :
          {PageSource{}, PageSource{4, 4, 1, nullptr, row, 1}, PageSource{4, 4, 16, nullptr, row, 8},
-          PageSource{4, 4, 24, nullptr, nullptr, 12}}) {
+          PageSource{4, 4, 24, nullptr, nullptr, 12}, PageSource{4, 4, 8, nullptr, row, 4},
+          PageSource{0, 4, 24, nullptr, row, 12}, PageSource{4, 0, 24, nullptr, row, 12}}) {
         tiles.SetSource(source);
         EXPECT_FALSE(tiles.HasSource());
     }

@@ -24,11 +24,11 @@ public:
         editor.SetPage(view.Page());
         editor.SetMode(true, true);
     }
-    void Paint() {
+    void Paint(bool focus = false) {
         tiles.SetView(view.PageWidth(), view.PageHeight(), true);
         const std::vector<Shape> shapes = CollectShapes(model, editor, view);
         Surface surface(m_pixels.data(), kSide, kSide);
-        PaintScene(surface, {view, tiles, shapes, colors, true, false});
+        PaintScene(surface, {view, tiles, shapes, colors, true, focus});
     }
     uint32_t At(int x, int y) const { return m_pixels[static_cast<size_t>(y * kSide + x)]; }
     std::set<uint32_t> Along(PixelRect rect) const {
@@ -39,6 +39,7 @@ public:
         return found;
     }
     const std::vector<uint32_t>& Pixels() const { return m_pixels; }
+    const uint8_t* Row() const { return m_row.data(); }
 
     Viewport view;
     PageTiles tiles;
@@ -136,6 +137,57 @@ TEST(Scene, PartsAreLikeTheWhole) {
         }
     }
     EXPECT_EQ(pixels, canvas.Pixels());
+}
+
+TEST(Scene, FocusIsSeenInsideTheSelectedOneWhereThereIsRoom) {
+    for (const auto& [rect, seen] :
+         {std::pair{Rect{50, 50, 200, 150}, true}, std::pair{Rect{50, 50, 58, 150}, false}}) {
+        Canvas without(0xffffff), with(0xffffff);
+        for (Canvas* canvas : {&without, &with}) {
+            canvas->model.Insert({60, 180, 120, 220}, false);
+            canvas->model.Insert(rect, true);
+            canvas->Paint(canvas == &with);
+        }
+        EXPECT_EQ(without.Pixels() != with.Pixels(), seen);
+        const PixelRect box = with.view.ToClient(rect);
+        for (int x = 0; x < kSide; ++x) {
+            if (x < box.left || x >= box.right) {
+                ASSERT_EQ(with.At(x, box.top + 20), without.At(x, box.top + 20)) << x;
+            }
+        }
+    }
+}
+
+TEST(Scene, WhatIsDraggedOrMadeIsShownThere) {
+    Canvas canvas(0xffffff);
+    canvas.model.Insert({50, 50, 200, 150}, true);
+    const Reach reach = {10, 5, 8, 0};
+    canvas.editor.Press({100, 100}, {}, reach);
+    canvas.editor.Drag({120, 130}, {});
+    auto shapes = CollectShapes(canvas.model, canvas.editor, canvas.view);
+    ASSERT_EQ(shapes.size(), 1u);
+    EXPECT_EQ(shapes[0], (Shape{1, canvas.view.ToClient(Rect{70, 80, 220, 180}), true, true, true}));
+    canvas.Paint();
+    const PixelRect box = shapes[0].box;
+    EXPECT_EQ(canvas.At(box.right + 3, box.bottom + 3), 0xffffffu) << "no handles while it moves";
+    canvas.editor.Cancel();
+    canvas.editor.Press({10, 200}, {}, reach);
+    canvas.editor.Drag({40, 240}, {});
+    shapes = CollectShapes(canvas.model, canvas.editor, canvas.view);
+    ASSERT_EQ(shapes.size(), 2u);
+    EXPECT_EQ(shapes[1], (Shape{0, canvas.view.ToClient(Rect{10, 200, 40, 240}), true, true, true})) << "above all";
+}
+
+TEST(Scene, WithoutAnImageThereIsPaperAndWithoutAPageNothing) {
+    Canvas canvas(0x123456);
+    canvas.colors.paper = 0xabcdef;
+    canvas.colors.background = 0x654321;
+    canvas.tiles.SetSource(PageSource{300, 300, 16, nullptr, canvas.Row(), 0});
+    canvas.Paint();
+    EXPECT_EQ(canvas.At(kSide / 2, kSide / 2), 0xabcdefu) << "no bitmap of this kind can be shown";
+    canvas.view.SetPage({254, 0});
+    canvas.Paint();
+    EXPECT_EQ(canvas.Along({0, 0, kSide, kSide}), (std::set<uint32_t>{0x654321}));
 }
 
 TEST(Scene, ExtentHoldsAllThatAShapeDraws) {

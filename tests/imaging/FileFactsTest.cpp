@@ -186,6 +186,14 @@ TEST(Damage, ChangedBytesNeverLeadOutsideTheFile) {
     }
 }
 
+// Half transparent ink on white paper is what a reader of the page sees.
+TEST(Colours, TransparentOnesLieOnPaper) {
+    for (const auto& [argb, seen] : {std::pair{0xFF123456u, 0x123456u}, std::pair{0x00123456u, 0xFFFFFFu},
+                                     std::pair{0x80000000u, 0x7F7F7Fu}, std::pair{0x80FF0000u, 0xFF7F7Fu}}) {
+        EXPECT_EQ(OnPaper(argb), seen) << std::hex << argb;
+    }
+}
+
 TEST(Bmp, DamagedBlocksAreRefused) {
     const auto image = MakeTestImage(33, 9, 8, 204, 196);
     const Image source(image);
@@ -209,6 +217,7 @@ TEST(Bitmaps, SizesBeyondTheLimitsAreRefused) {
     EXPECT_THROW(Bitmap(0, 5, 24), ImageError);
     EXPECT_THROW(Bitmap(5, 0, 24), ImageError);
     EXPECT_THROW(Bitmap(65536, 1, 1), ImageError);
+    EXPECT_THROW(Bitmap(1, 65536, 1), ImageError);
     EXPECT_THROW(Bitmap(65535, 65535, 24), ImageError);
     EXPECT_EQ(Bitmap(30000, 30000, 1).Size(), size_t{3752} * 30000);
 }

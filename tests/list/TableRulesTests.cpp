@@ -77,6 +77,7 @@ TEST(Cells, TabGoesThroughTheEditableColumnsAsShown) {
     EXPECT_EQ(GetNeighbourCell({0, 1}, editable, 2, true), (CellPosition{1, 3}));
     EXPECT_EQ(GetNeighbourCell({1, 1}, editable, 2, true), std::nullopt);
     EXPECT_EQ(GetNeighbourCell({1, 3}, editable, 2, false), (CellPosition{0, 1}));
+    EXPECT_EQ(GetNeighbourCell({1, 0}, editable, 2, false), (CellPosition{1, 3}));
     EXPECT_EQ(GetNeighbourCell({0, 3}, editable, 2, false), std::nullopt);
     // The row was the last one and has gone, or the column can no longer be edited.
     EXPECT_EQ(GetNeighbourCell({1, 1}, editable, 1, true), std::nullopt);

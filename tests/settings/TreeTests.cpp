@@ -49,6 +49,11 @@ TEST(TreeText, KeepsEverythingInOrder) {
   "list": [1, "a\"b", null, [], {}, {"x": [1.0, false], "y": {"z": "\t"}}],
   "units": ["utf-16", 55357, 65],
   "a list of numbers": ["utf-16", 65, 66],
+  "no units": ["utf-16", 55357, 65536],
+  "negative units": ["utf-16", -55357, [1]],
+  "nothing in them": ["utf-16"],
+  "signs": [-1, true],
+  "off": false,
   "0x00000001": {}
 }
 )";
@@ -59,6 +64,37 @@ TEST(TreeText, KeepsEverythingInOrder) {
     EXPECT_EQ(INT64_MIN, root->Value<int64_t>(u"least"));
     EXPECT_EQ(Failure::kWrongKind, FailureOf([&] { root->Value<int64_t>(u"most"); }));
     EXPECT_EQ(root->Child(u"0x0000002a")->Value<std::u16string>(u"Name").size(), 20u);
+}
+
+// Half of a pair and bytes that are no UTF-8 become the replacement character, each by itself, and nothing behind them
+// is lost.
+TEST(Unicode, WhatIsNoCharacterIsReplaced) {
+    const struct {
+        const char* bytes;
+        const char16_t* units;
+    } cases[] = {
+        {"\xC3\xA4\xF0\x9F\x98\x80", u"\u00E4\xD83D\xDE00"},
+        {"\x80x", u"\xFFFDx"},                    // a byte of the middle alone
+        {"\xC1\x81x", u"\xFFFD\xFFFDx"},          // longer than needed
+        {"\xE0\x80\x80", u"\xFFFD\xFFFD\xFFFD"},  // the same with three
+        {"\xC3", u"\xFFFD"},                      // cut off
+        {"\xE2\x82x", u"\xFFFD\xFFFDx"},
+        {"\xED\xA0\xBD", u"\xFFFD\xFFFD\xFFFD"},  // half a pair
+        {"\xED\xB0\x80", u"\xFFFD\xFFFD\xFFFD"},
+        {"\xF4\x90\x80\x80", u"\xFFFD\xFFFD\xFFFD\xFFFD"},  // beyond the last character
+        {"\xF5\x80\x80\x80", u"\xFFFD\xFFFD\xFFFD\xFFFD"},
+        {"\xF4\x8F\xBF\xBF", u"\xDBFF\xDFFF"},
+    };
+    for (const auto& test : cases) EXPECT_EQ(Utf16From(test.bytes), test.units) << testing::PrintToString(test.bytes);
+    const struct {
+        std::u16string units;
+        const char* bytes;
+    } halves[] = {
+        {u"\xD83D", "\xEF\xBF\xBD"}, {u"\xD83Dx", "\xEF\xBF\xBDx"}, {u"\xDE00\xD83D", "\xEF\xBF\xBD\xEF\xBF\xBD"}};
+    for (const auto& test : halves) {
+        EXPECT_EQ(Utf8From(test.units), test.bytes);
+        EXPECT_FALSE(IsValidUtf16(test.units));
+    }
 }
 
 TEST(TreeText, DoesNotDependOnTheLocale) {
