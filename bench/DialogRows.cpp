@@ -158,7 +158,8 @@ void Loading() {
             },
             3);
     };
-    Compare("load", "LoadLibrary and FreeLibrary", load(L"Zonwick.dll"), load(L"bench_empty.dll"), 15);
+    Compare("load", "same imports", load(L"Zonwick.dll"), load(L"bench_empty.dll"), 15);
+    Compare("load", "same imports and manifest", load(L"Zonwick.dll"), load(L"bench_empty_styles.dll"), 15);
     WIN32_FILE_ATTRIBUTE_DATA data = {};
     Require(GetFileAttributesExW((folder + L"Zonwick.dll").c_str(), GetFileExInfoStandard, &data), "no Zonwick.dll");
     Tell("size", "Zonwick.dll in KB", data.nFileSizeLow / 1024.0);

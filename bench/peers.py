@@ -57,21 +57,22 @@ class Page:
         return numpy.ascontiguousarray(rows[:, :3 * WIDTH].reshape(HEIGHT, WIDTH, 3))
 
 
-def timed(action):
+def timed(action, repeats=1):
     start = time.perf_counter_ns()
-    action()
-    return time.perf_counter_ns() - start
+    for _ in range(repeats):
+        action()
+    return (time.perf_counter_ns() - start) / repeats
 
 
-def compare(row, detail, mine, theirs, runs=RUNS, their_time=timed):
+def compare(row, detail, mine, theirs, runs=RUNS, their_time=timed, repeats=1):
     mine()
     theirs()
     for run in range(runs):
         if run % 2 == 0:
-            first, second = timed(mine), their_time(theirs)
+            first, second = timed(mine, repeats), their_time(theirs, repeats)
         else:
-            second, first = their_time(theirs), timed(mine)
-        print("pair", row, detail, first, second, sep="\t")
+            second, first = their_time(theirs, repeats), timed(mine, repeats)
+        print("pair", row, detail, f"{first:.0f}", f"{second:.0f}", sep="\t")
 
 
 def same(page, image, who):
@@ -212,7 +213,7 @@ def imagemagick(page):
                        input=pixels.tobytes(), check=True)
         return time.perf_counter_ns() - start
 
-    return lambda _: max(elapsed(5) - elapsed(1), 1) / 4
+    return lambda *_: max(elapsed(5) - elapsed(1), 1) / 4
 
 
 def row_copy_native():
@@ -226,8 +227,8 @@ def row_packed_peers():
         page = Page(1, keep)
         word = "keep" if keep else "ignore"
         for action in opencv(page):
-            compare("packed-peers", f"OpenCV, {word}", page.mask, action)
-        compare("packed-peers", f"Pillow, {word}", page.mask, pillow(page))
+            compare("packed-peers", f"OpenCV, {word}", page.mask, action, repeats=5)
+        compare("packed-peers", f"Pillow, {word}", page.mask, pillow(page), repeats=5)
 
 
 def row_peers():

@@ -79,7 +79,7 @@ void FoliumWindow::OnGone() {
     SetWindowLongPtrW(m_hwnd, GWLP_USERDATA, 0);
     m_hwnd = nullptr;
     m_focus = m_panning = m_inLayout = false;
-    m_shapes.clear();
+    m_allInvalid = true;
     m_display.editor.Cancel();
     --g_counts.windows;
     if (m_owner != nullptr) m_owner->OnWindowGone();
@@ -114,8 +114,7 @@ FoliumWindow::Result FoliumWindow::HandleWindow(UINT message, WPARAM wParam, LPA
         case WM_SETFOCUS:
         case WM_KILLFOCUS:
             m_focus = message == WM_SETFOCUS;
-            m_shapes.clear();
-            InvalidateRect(m_hwnd, nullptr, FALSE);
+            InvalidateAll();
             ShapesChanged();
             if (m_owner != nullptr) m_owner->OnFocus(m_focus);
             return 0;
@@ -149,7 +148,7 @@ void FoliumWindow::UpdateLayout() {
                    GetSystemMetrics(SM_CYHSCROLL));
     SyncScrollBars();
     m_inLayout = false;
-    InvalidateRect(m_hwnd, nullptr, FALSE);
+    InvalidateAll();
     ShapesChanged();
 }
 
@@ -177,7 +176,7 @@ void FoliumWindow::ViewChanged() {
     m_inLayout = true;
     SyncScrollBars();
     if (outer) m_inLayout = false;
-    InvalidateRect(m_hwnd, nullptr, FALSE);
+    InvalidateAll();
     ShapesChanged();
 }
 

@@ -76,6 +76,8 @@ private:
     void Paint();
     void PaintInto(HDC dc);
     void Invalidate(const PixelRect& rect);
+    void InvalidateAll();
+    void InvalidateShapes();
     void OnGone();
 
     void PressLeft(int x, int y);
@@ -100,7 +102,9 @@ private:
     HWND m_hwnd = nullptr;
     BackBuffer m_buffer;
     SizeReadout m_readout;
-    std::vector<Shape> m_shapes;  // as last asked to be painted
+    std::vector<Shape> m_shapes;  // as last asked to be painted, unless all is
+    bool m_allInvalid = true;
+    size_t m_invalidParts = 0;  // since the last painting
     bool m_inLayout = false;
     bool m_focus = false;
     bool m_releasing = false;

@@ -6,7 +6,7 @@ namespace folium {
 
 namespace {
 
-// More parts than this take longer to tell the window one by one than to paint all of it.
+// More parts than this between two paintings take longer to tell the window one by one than to paint all of it.
 constexpr size_t kMostParts = 64;
 
 }  // namespace
@@ -17,18 +17,30 @@ void FoliumWindow::Invalidate(const PixelRect& rect) {
     InvalidateRect(m_hwnd, &part, FALSE);
 }
 
-void FoliumWindow::ShapesChanged() {
-    if (m_hwnd == nullptr) return;
+void FoliumWindow::InvalidateAll() {
+    InvalidateRect(m_hwnd, nullptr, FALSE);
+    m_allInvalid = true;
+}
+
+void FoliumWindow::InvalidateShapes() {
+    if (m_allInvalid) return;
     const Viewport& view = m_display.view;
     std::vector<Shape> shapes = CollectShapes(m_display.model, m_display.editor, view);
     const std::vector<Shape> changed = ChangedShapes(m_shapes, shapes);
-    if (changed.size() > kMostParts) {
-        InvalidateRect(m_hwnd, nullptr, FALSE);
+    m_invalidParts += changed.size();
+    if (m_invalidParts > kMostParts) {
+        InvalidateAll();
     } else {
         for (const Shape& shape : changed) Invalidate(ShapeExtent(shape, view));
     }
     m_shapes = std::move(shapes);
+}
 
+void FoliumWindow::ShapesChanged() {
+    if (m_hwnd == nullptr) return;
+    InvalidateShapes();
+
+    const Viewport& view = m_display.view;
     const PixelRect before = m_readout.Place();
     const auto& drafts = m_display.editor.Drafts();
     if (m_display.editor.Busy() && !drafts.empty()) {
@@ -42,6 +54,7 @@ void FoliumWindow::ShapesChanged() {
 
 // Paints a part of the window in memory; false when there is nothing to show or no memory for it.
 bool FoliumWindow::Compose(const RECT& part) {
+    if (m_allInvalid) m_shapes = CollectShapes(m_display.model, m_display.editor, m_display.view);
     RECT client = {};
     GetClientRect(m_hwnd, &client);
     if (IsRectEmpty(&part) || !m_buffer.Resize(client.right, client.bottom)) return false;
@@ -61,6 +74,8 @@ void FoliumWindow::Paint() {
         ++g_counts.paints;
     }
     EndPaint(m_hwnd, &paint);
+    m_allInvalid = false;
+    m_invalidParts = 0;
 }
 
 void FoliumWindow::PaintInto(HDC dc) {

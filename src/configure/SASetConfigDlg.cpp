@@ -239,7 +239,7 @@ void CSASetConfigDlg::LoadRects() {
         if (row < 0) win32::ThrowHostError(E_UNEXPECTED, __uuidof(IFolium));
         if (!area->m_strIndexField.empty()) m_list.SetItemText(row, rectlist::kIndexingField, area->m_strIndexField);
     }
-    if (m_list.GetItemCount() == 0) EnableDlgItem(IDC_CONFIG_REMOVE, false);
+    if (m_list.GetItemCount() == 0) EnableRemove(false);
 }
 
 void CSASetConfigDlg::ShowUnits() {

@@ -51,6 +51,7 @@ private:
     // The list and the rectangles (SASetConfigRects.cpp)
     int FindRow(LONG id) const;
     std::vector<std::wstring> GetRowFields() const;
+    void EnableRemove(bool enable);
     void UpdateRectRow(int row, const PageRect& rect);
     void OnRectAdded(LONG id);
     void OnRectDeleted(LONG id);
@@ -88,6 +89,7 @@ private:
     CListTableCtrl m_list;
     bool m_bProcessCtrlEvents = true;  // the control's rectangle events change the list
     bool m_bUpdatingList = false;      // the dialog itself changes the list's selection
+    bool m_removeEnabled = true;
     CAreaSet* m_pAreaSet;
     int32_t m_nPage = -1;
     int32_t m_nDoc = -1;

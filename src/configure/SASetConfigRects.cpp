@@ -38,6 +38,13 @@ void CSASetConfigDlg::UpdateRectRow(int row, const PageRect& rect) {
     }
 }
 
+// Asked for at each of thousands of areas; looking the button up takes longer than all else that an area needs.
+void CSASetConfigDlg::EnableRemove(bool enable) {
+    if (m_removeEnabled == enable) return;
+    EnableDlgItem(IDC_CONFIG_REMOVE, enable);
+    m_removeEnabled = enable;
+}
+
 void CSASetConfigDlg::OnRectAdded(LONG id) {
     if (m_bProcessCtrlEvents) {
         FoliumRect rect = {};
@@ -55,7 +62,7 @@ void CSASetConfigDlg::OnRectAdded(LONG id) {
         UpdateRectRow(row, FromFolium(rect));
         if (!field.empty()) m_list.SetItemText(row, rectlist::kIndexingField, field);
     }
-    EnableDlgItem(IDC_CONFIG_REMOVE, true);
+    EnableRemove(true);
 }
 
 void CSASetConfigDlg::OnRectDeleted(LONG id) {
@@ -66,7 +73,7 @@ void CSASetConfigDlg::OnRectDeleted(LONG id) {
         m_removedFields.Remember(static_cast<uint32_t>(id), m_list.GetItemText(row, rectlist::kIndexingField));
     }
     m_list.DeleteItem(row);
-    if (m_list.GetItemCount() == 0) EnableDlgItem(IDC_CONFIG_REMOVE, false);
+    if (m_list.GetItemCount() == 0) EnableRemove(false);
 }
 
 void CSASetConfigDlg::OnRectChanged(LONG id) {
@@ -115,7 +122,7 @@ void CSASetConfigDlg::OnAdd() {
         UpdateRectRow(row, rect);
         m_list.EnsureVisible(row);
     }
-    EnableDlgItem(IDC_CONFIG_REMOVE, true);
+    EnableRemove(true);
 }
 
 void CSASetConfigDlg::OnRemove() {
