@@ -75,7 +75,7 @@ void RectModel::Move(const std::vector<Item>& items, bool extend) {
 }
 
 bool RectModel::Grow(const Step& step) {
-    if (!m_lastStepMayGrow || m_done.empty() || !m_undone.empty()) return false;
+    if (!m_lastStepMayGrow || m_done.empty()) return false;
     Step& last = m_done.back();
     if (last.size() != step.size()) return false;
     for (size_t i = 0; i < step.size(); ++i) {

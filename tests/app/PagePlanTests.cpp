@@ -28,6 +28,8 @@ TEST(OutputNames, SourcesOfOneNameAreToldApart) {
     EXPECT_EQ(NamesOf({"x/a.tif", "x/b.tif"}), (Names{"a.png", "b.png"}));
     EXPECT_EQ(NamesOf({"x/a.tif", "x/a.jpg", "x/b.tif"}), (Names{"a.tif.png", "a.jpg.png", "b.png"}));
     EXPECT_EQ(NamesOf({"x/a.tif", "y/A.tif"}), (Names{"x_a.png", "y_A.png"}));
+    EXPECT_EQ(NamesOf({"/a.tif", "/x/a.tif"}), (Names{"a.tif.png", "x_a.png"}));
+    EXPECT_EQ(NamesOf({"/a.tif", "/A.tif"}), (Names{"a.tif.png", "A.tif~2.png"}));
     EXPECT_EQ(NamesOf({"1/x/a.tif", "2/x/a.tif"}), (Names{"x_a.tif.png", "x_a.tif~2.png"}));
 }
 
@@ -128,6 +130,7 @@ TEST(WorkerPool, GivesResultsAndExceptionsAndEndsWithAllDone) {
             }));
         }
     }
+    EXPECT_EQ(WorkerPool(1).Do([] { return 7; }).get(), 7) << "with nothing around its threads";
     EXPECT_EQ(done, 100);
     EXPECT_EQ(threads, 0);
     EXPECT_EQ(results[99].get(), 99);

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 using namespace zonhost;
 using testing::HasSubstr;
 
@@ -38,6 +40,17 @@ TEST(ZoneFile, EveryBadLineIsToldByItsNumber) {
         EXPECT_THAT(message, HasSubstr("letter.uzn: line 9: lies too far out"));
         EXPECT_THAT(message, testing::Not(HasSubstr("line 1:")));
     }
+    std::string many;
+    for (int line = 0; line < 1000; ++line) many += "0 0 1 x\n";
+    try {
+        ParseZones(many, "many.uzn", kFax);
+        FAIL() << "the bad lines were taken";
+    } catch (const CommandError& error) {
+        const std::string message = error.what();
+        EXPECT_EQ(std::count(message.begin(), message.end(), '\n'), 9) << "the first ten say enough";
+    }
+    EXPECT_THROW(ParseZones("0 2147483647 1 2147483647", "f", {1, 1}), CommandError);
+    EXPECT_THROW(ParseZones("0 1 1 2147483647", "f", {300, 1}), CommandError);
     EXPECT_THROW(ParseZones("\n \n", "empty.uzn", kFax), CommandError);
 }
 

@@ -49,6 +49,7 @@ TEST(AreaSet, CopiesAreasDeepAndWithoutTheirFields) {
     CAreaSet copied(L"Old", 1);
     copied.CopyFrom(source);
     assigned = *&assigned;  // to itself: nothing happens
+    copied.CopyFrom(copied);
 
     EXPECT_EQ(assigned.GetID(), 7u);
     EXPECT_EQ(copied.GetID(), 1u);

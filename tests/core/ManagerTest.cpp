@@ -92,6 +92,7 @@ TEST_F(ManagerTest, CopiesRenamesAndUpdates) {
 
     m_manager.SetAreaSetName(2, L"B");
     EXPECT_EQ(copied->GetName(), L"B");
+    m_manager.SetAreaSetName(77, L"B");
     CAreaSet detached(L"C", 2);
     EXPECT_TRUE(m_manager.UpdateSet(detached));
     EXPECT_EQ(copied->GetName(), L"C");

@@ -245,9 +245,11 @@ TEST_F(RectEditorTest, ControlDrawsAlsoInsideAnother) {
     EXPECT_EQ(model.Items().size(), 2u) << "where nothing is edited it is a click";
     EXPECT_EQ(model.Primary(), id);
     editor.SetMode(true, false);
-    editor.SetPage({});
-    DragFromTo({1200, 1200}, {1300, 1300}, {.control = true});
-    EXPECT_EQ(model.Items().size(), 2u) << "nor without a page";
+    for (const Size page : {Size{0, 0}, Size{2100, 0}}) {
+        editor.SetPage(page);
+        DragFromTo({1200, 1200}, {1300, 1300}, {.control = true});
+        EXPECT_EQ(model.Items().size(), 2u) << "nor without a page";
+    }
 }
 
 TEST_F(RectEditorTest, LeftEdgeSnapsAsTheRightOne) {
@@ -321,11 +323,40 @@ TEST_F(RectEditorTest, WalksFromThePlaceOfADeletedOne) {
         const int32_t expected = walked ? first + test.told[8] - '1' : 0;
         EXPECT_EQ(model.Primary(), expected) << test.deleted << test.back;
     }
-    // A program emptied the list in between.
-    while (!model.Items().empty()) model.Delete(model.Items().back().id);
+    // A program took the others away in between.
+    Add({300, 0, 350, 50});
+    model.Select(model.Items().back().id);
     editor.DeleteSelected();
-    Add({0, 0, 50, 50});
+    while (model.Items().size() > 1) model.Delete(model.Items().back().id);
     EXPECT_TRUE(editor.Walk(true));
+    EXPECT_EQ(model.Primary(), model.Items().front().id);
+}
+
+TEST(Snap, TheNearestLineWins) {
+    const struct {
+        std::vector<int32_t> lines;
+        int64_t shift;
+    } cases[] = {{{93, 104}, 4}, {{104, 93}, 4}, {{96, 104}, -4}, {{}, 0},
+                 {{89, 111}, 0}, {{110}, 10},    {{207, 96}, -4}, {{198, 96}, -2}};
+    for (const auto& test : cases) {
+        EXPECT_EQ(SnapShift(test.lines, {100, 200}, 10), test.shift) << testing::PrintToString(test.lines);
+    }
+}
+
+TEST_F(RectEditorTest, ClickTakesWhatIsJustBeside) {
+    const int32_t id = Add({500, 500, 700, 700});
+    for (const auto& [position, taken] :
+         {std::pair{Point{496, 600}, true}, std::pair{Point{704, 600}, true}, std::pair{Point{600, 496}, true},
+          std::pair{Point{600, 704}, true}, std::pair{Point{494, 600}, false}, std::pair{Point{706, 600}, false},
+          std::pair{Point{600, 494}, false}, std::pair{Point{600, 706}, false}}) {
+        EXPECT_EQ(HitTest(model, position, -1, 5).id, taken ? id : 0) << position.x << ',' << position.y;
+    }
+    editor.Press({600, 600}, {.shift = true}, reach);
+    editor.Release();
+    EXPECT_EQ(model.Primary(), id) << "shift takes one away only where several can be selected";
+    editor.Press({600, 600}, {.shift = true}, reach);
+    editor.Release();
+    EXPECT_EQ(model.Primary(), id);
 }
 
 TEST_F(RectEditorTest, UndoAndRedoOnlyWhereEdited) {
@@ -333,10 +364,12 @@ TEST_F(RectEditorTest, UndoAndRedoOnlyWhereEdited) {
     model.StartHistory();
     DragFromTo({600, 600}, {700, 600}, {.alt = true});
     EXPECT_TRUE(editor.Undo());
+    EXPECT_FALSE(editor.Undo());
     EXPECT_EQ(At(id).left, 500);
     editor.StartOrEndNew({0, 0, 2100, 2970});
     EXPECT_FALSE(editor.Redo()) << "it takes back what is under way";
     EXPECT_TRUE(editor.Redo());
+    EXPECT_FALSE(editor.Redo());
     EXPECT_EQ(At(id).left, 600);
     editor.SetMode(false, false);
     EXPECT_FALSE(editor.Undo() || editor.Redo());

@@ -77,7 +77,10 @@ TEST_F(RectModelTest, HeldKeyIsOneStep) {
 }
 
 TEST_F(RectModelTest, AHeldKeyOnOthersIsAStepOfItsOwn) {
+    model.SelectAll();
+    EXPECT_EQ(Told(), "") << "there is none";
     for (int i = 0; i < 3; ++i) Add({i, 0, i + 10, 10});
+    for (const bool held : {false, true}) model.Move({{3, {held ? 2 : 9, 0, 12, 10}}}, held);
     model.StartHistory();
     model.Move({{1, {50, 0, 60, 10}}}, false);
     model.Move({{2, {50, 0, 60, 10}}}, true);

@@ -109,6 +109,22 @@ TEST(Scaler, WhiteStaysWhiteAndBlackBlack) {
     }
 }
 
+// Most scanned pages: the bytes are the grey levels themselves.
+TEST(Scaler, PlainGreyIsScaledAsAnyPalette) {
+    RandomPage page(61, 43, 8, false);
+    for (uint32_t i = 0; i < 256; ++i) page.palette[i] = i * 0x010101;
+    std::vector<uint32_t> scaled(20 * 10);
+    ScaleSmooth(page.source, {20, 10, 0, 0, 20, 10}, scaled.data());
+    for (uint32_t i = 0; i < scaled.size(); ++i) {
+        ASSERT_NEAR(scaled[i] & 0xff, page.Average(i % 20, i / 20, 20, 10, 0), 1.1) << i;
+        ASSERT_EQ(scaled[i], (scaled[i] & 0xff) * 0x010101) << i;
+    }
+    page.palette[7] = 0x080707;  // one that is not grey
+    page.bytes.assign(page.bytes.size(), 7);
+    ScaleSmooth(page.source, {20, 10, 0, 0, 20, 10}, scaled.data());
+    EXPECT_EQ(scaled[55], 0x080707u);
+}
+
 // A picture put together from tiles, drawn in strips, is the one scaled at once.
 TEST(PageTiles, SeamlessAndScaledOnce) {
     const RandomPage page(900, 1400, 24);
@@ -144,6 +160,13 @@ TEST(PageTiles, LargePageTakesNoMoreThanItsShare) {
     for (int scroll = 0; scroll < 59000; scroll += 700) tiles.Draw(surface, -scroll, -scroll);
     EXPECT_LE(tiles.TilesKept(), PageTiles::kMostKept);
     tiles.Draw(surface, -59999, -59999);
+    const size_t kept = tiles.TilesKept();
+    tiles.Draw(surface, 801, 0);
+    EXPECT_EQ(tiles.TilesKept(), kept) << "nothing of the page is seen";
+    tiles.SetView(60000, 60000, false);
+    EXPECT_EQ(tiles.TilesKept(), 0u) << "no mixture of smooth and plain";
+    tiles.SetSource(std::nullopt);
+    EXPECT_FALSE(tiles.HasSource());
     EXPECT_EQ(pixels[0] & 0xff, palette[1] & row[0] & 0) << "the last pixel of the page";
 }
 

@@ -24,11 +24,11 @@ public:
         editor.SetPage(view.Page());
         editor.SetMode(true, true);
     }
-    void Paint(bool focus = false) {
+    void Paint(bool focus = false, bool handles = true) {
         tiles.SetView(view.PageWidth(), view.PageHeight(), true);
         const std::vector<Shape> shapes = CollectShapes(model, editor, view);
         Surface surface(m_pixels.data(), kSide, kSide);
-        PaintScene(surface, {view, tiles, shapes, colors, true, focus});
+        PaintScene(surface, {view, tiles, shapes, colors, handles, focus});
     }
     uint32_t At(int x, int y) const { return m_pixels[static_cast<size_t>(y * kSide + x)]; }
     std::set<uint32_t> Along(PixelRect rect) const {
@@ -104,6 +104,8 @@ TEST(Scene, SelectedIsToldApartWithoutColor) {
     // Which of several was selected last is seen at the handles' middle.
     EXPECT_EQ(several.At(box.right, box.bottom), SecondColor(0xff0000, 0x000000));
     EXPECT_EQ(selected.At(box.right, box.bottom), 0xff0000u);
+    selected.Paint(false, false);
+    EXPECT_EQ(selected.Along(handle).count(0xff0000), 0u) << "where nothing can be sized";
 }
 
 TEST(Scene, WhatLiesBesideThePageIsBroken) {
@@ -125,6 +127,7 @@ TEST(Scene, PartsAreLikeTheWhole) {
     canvas.model.Insert({-50, 20, 400, 60}, false);
     canvas.model.Insert({50, 50, 58, 150}, true);
     canvas.model.Insert({70, 70, 70, 70}, false);
+    canvas.model.Insert({20, 200, 150, 200}, false);
     canvas.model.Insert({INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX}, false);
     canvas.Paint();
     std::vector<uint32_t> pixels(kSide * kSide);
@@ -140,8 +143,8 @@ TEST(Scene, PartsAreLikeTheWhole) {
 }
 
 TEST(Scene, FocusIsSeenInsideTheSelectedOneWhereThereIsRoom) {
-    for (const auto& [rect, seen] :
-         {std::pair{Rect{50, 50, 200, 150}, true}, std::pair{Rect{50, 50, 58, 150}, false}}) {
+    for (const auto& [rect, seen] : {std::pair{Rect{50, 50, 200, 150}, true}, std::pair{Rect{50, 50, 58, 150}, false},
+                                     std::pair{Rect{50, 50, 200, 58}, false}}) {
         Canvas without(0xffffff), with(0xffffff);
         for (Canvas* canvas : {&without, &with}) {
             canvas->model.Insert({60, 180, 120, 220}, false);
@@ -160,6 +163,7 @@ TEST(Scene, FocusIsSeenInsideTheSelectedOneWhereThereIsRoom) {
 
 TEST(Scene, WhatIsDraggedOrMadeIsShownThere) {
     Canvas canvas(0xffffff);
+    canvas.colors.selected = 0xff0000;
     canvas.model.Insert({50, 50, 200, 150}, true);
     const Reach reach = {10, 5, 8, 0};
     canvas.editor.Press({100, 100}, {}, reach);
@@ -167,9 +171,12 @@ TEST(Scene, WhatIsDraggedOrMadeIsShownThere) {
     auto shapes = CollectShapes(canvas.model, canvas.editor, canvas.view);
     ASSERT_EQ(shapes.size(), 1u);
     EXPECT_EQ(shapes[0], (Shape{1, canvas.view.ToClient(Rect{70, 80, 220, 180}), true, true, true}));
-    canvas.Paint();
+    canvas.Paint(true);
     const PixelRect box = shapes[0].box;
     EXPECT_EQ(canvas.At(box.right + 3, box.bottom + 3), 0xffffffu) << "no handles while it moves";
+    canvas.model.ClearSelection();
+    canvas.Paint(true);
+    EXPECT_EQ(canvas.At(box.right - 1, box.bottom - 20), 0xff0000u) << "marked for as long as it is dragged";
     canvas.editor.Cancel();
     canvas.editor.Press({10, 200}, {}, reach);
     canvas.editor.Drag({40, 240}, {});

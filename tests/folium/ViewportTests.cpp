@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "refhost/folium/Viewport.h"
 
 namespace folium {
@@ -47,7 +49,7 @@ TEST(Viewport, HundredPercentIsTheDevicesResolution) {
     EXPECT_EQ(view.PageWidth(), 1920);
     EXPECT_FALSE(view.SetZoom(ZoomMode::Percent, 0));
     EXPECT_FALSE(view.SetZoom(ZoomMode::Percent, 1000000));
-    EXPECT_FALSE(view.SetZoom(static_cast<ZoomMode>(4), 100));
+    for (const int mode : {-1, 4}) EXPECT_FALSE(view.SetZoom(static_cast<ZoomMode>(mode), 100));
     EXPECT_EQ(view.PageWidth(), 1920) << "a refused zoom changes nothing";
 }
 
@@ -82,6 +84,26 @@ TEST(Viewport, SizingKeepsTheMiddle) {
     const Point after = view.ToPage(view.ViewWidth() / 2, view.ViewHeight() / 2);
     EXPECT_NEAR(after.x, before.x, 4);
     EXPECT_NEAR(after.y, before.y, 4);
+}
+
+TEST(Viewport, NothingNewLeavesThePageInItsPlace) {
+    Viewport view = Shown({2100, 2970}, 401, 399, ZoomMode::Percent, 37);
+    view.SetWindow(301, 277, kBar, kBar);
+    view.SetDpi(97);
+    const Viewport before = view;
+    for (int i = 0; i < 100; ++i) {
+        view.SetWindow(301, 277, kBar, kBar);
+        view.SetDpi(97);
+    }
+    EXPECT_EQ(view.OriginX(), before.OriginX());
+    EXPECT_EQ(view.OriginY(), before.OriginY());
+    // Any one of the sizes alone is new.
+    for (const auto& [height, vertical, horizontal] :
+         {std::tuple{278, kBar, kBar}, std::tuple{278, kBar + 5, kBar}, std::tuple{278, kBar + 5, kBar + 6}}) {
+        view.SetWindow(301, height, vertical, horizontal);
+        EXPECT_EQ(view.ViewWidth(), 301 - vertical);
+        EXPECT_EQ(view.ViewHeight(), height - horizontal);
+    }
 }
 
 TEST(Viewport, RevealScrollsAsLittleAsNeeded) {

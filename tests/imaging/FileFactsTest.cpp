@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "imaging/TestImage.h"
+#include "refhost/imaging/Bytes.h"
 #include "refhost/imaging/FileFacts.h"
 #include "refhost/imaging/Image.h"
 #include "refhost/imaging/Tiff.h"
@@ -156,6 +157,36 @@ TEST(Tiff, DirectoriesInACircleEnd) {
     EXPECT_EQ(CountTiffFrames(ReaderOf(file)), 1u);
 }
 
+TEST(Tiff, WhatCannotBeTakenOutIsLeft) {
+    std::vector<uint8_t> file = ReadTestFile(kData + "/bits-none.tif");
+    const auto entryOf = [&](uint32_t tag) {
+        size_t at = Get32(file, 4, false) + 2;
+        while (Get16(file, at, false) != tag) at += 12;
+        return file.begin() + static_cast<ptrdiff_t>(at);
+    };
+    const auto extracted = [&] { return ExtractTiffFrame(file, *TiffFrame(file, 0)); };
+    ASSERT_FALSE(extracted().empty());
+    auto compression = entryOf(259);
+    compression[8] = 6;  // JPEG of the old kind: its tables stand elsewhere in the file
+    EXPECT_TRUE(extracted().empty());
+    compression[0] = 1;
+    EXPECT_FALSE(extracted().empty()) << "none is named: bytes as they are";
+    entryOf(273)[0] = 0;
+    EXPECT_TRUE(extracted().empty()) << "no place of its rows";
+}
+
+TEST(Tiff, NoFramesWhereADirectoryCannotBe) {
+    std::vector<uint8_t> file = {'I', 'I', 42, 0, 8, 0, 0, 0, 0, 0, 0, 0, 0, 0};
+    EXPECT_EQ(CountTiffFrames(ReaderOf(file)), 0u) << "a directory without entries";
+    const ReadAt endless = [&](uint32_t offset, uint8_t* to, size_t size) {
+        std::fill_n(to, size, uint8_t{0xF0});
+        if (offset == 0) std::copy_n(file.begin(), size, to);
+        return true;
+    };
+    std::fill_n(file.begin() + 4, 4, uint8_t{0xFF});
+    EXPECT_EQ(CountTiffFrames(endless), 0u) << "one that would end beyond 4 GiB";
+}
+
 // A file of several pages that was cut off: the page behind the link that leads nowhere is there to be told as missing.
 TEST(Tiff, ALinkOutOfTheFileCountsThePageThatIsMissing) {
     std::vector<uint8_t> file = ReadTestFile(kFaxPages);
@@ -186,6 +217,42 @@ TEST(Damage, ChangedBytesNeverLeadOutsideTheFile) {
     }
 }
 
+TEST(FileFacts, UnitsOfAJpeg) {
+    std::vector<uint8_t> file = ReadTestFile(kData + "/rgb.jpg");
+    ASSERT_TRUE(std::equal(file.begin() + 6, file.begin() + 10, "JFIF"));
+    for (const auto& [unit, dpi] : {std::pair{1, 118.0}, std::pair{2, 118 * 2.54}, std::pair{0, 0.0}}) {
+        file[13] = static_cast<uint8_t>(unit);
+        file[15] = file[17] = 118;
+        file[14] = file[16] = 0;
+        const FileFacts facts = ReadFileFacts(file, 0);
+        EXPECT_NEAR(facts.dpiX, dpi, 0.01) << unit;
+        EXPECT_NEAR(facts.dpiY, dpi, 0.01) << unit;
+    }
+}
+
+TEST(FileFacts, TheOldestBmpHasNoResolution) {
+    std::vector<uint8_t> file(14 + 12 + 6 + 4);
+    file[0] = 'B';
+    file[1] = 'M';
+    file[14] = 12;
+    const FileFacts facts = ReadFileFacts(file, 0);
+    EXPECT_EQ(facts.kind, FileKind::kBmp);
+    EXPECT_EQ(facts.dpiX, 0);
+    EXPECT_FALSE(facts.truncated);
+    file[14] = 11;
+    EXPECT_TRUE(ReadFileFacts(file, 0).truncated);
+}
+
+TEST(Bytes, NothingIsReadBehindTheEnd) {
+    const std::vector<uint8_t> bytes = {1, 2, 3, 4};
+    for (const size_t offset : {size_t{1}, size_t{3}, size_t{4}, size_t{5}, SIZE_MAX - 1, SIZE_MAX}) {
+        EXPECT_EQ(Get32(bytes, offset, true), 0u) << offset;
+        EXPECT_EQ(Get16(bytes, offset, true), offset == 1 ? 0x0203u : 0u) << offset;
+    }
+    EXPECT_EQ(Get32(bytes, 0, false), 0x04030201u);
+    EXPECT_EQ(Get16(bytes, 2, false), 0x0403u);
+}
+
 // Half transparent ink on white paper is what a reader of the page sees.
 TEST(Colours, TransparentOnesLieOnPaper) {
     for (const auto& [argb, seen] : {std::pair{0xFF123456u, 0x123456u}, std::pair{0x00123456u, 0xFFFFFFu},
@@ -205,6 +272,10 @@ TEST(Bmp, DamagedBlocksAreRefused) {
         EXPECT_THROW(ReadBmp(std::vector<uint8_t>(block.begin(), block.begin() + static_cast<ptrdiff_t>(length))),
                      ImageError);
     }
+    // No count of colours stands for all that the depth allows.
+    std::vector<uint8_t> uncounted = block;
+    std::fill_n(uncounted.begin() + 46, 4, uint8_t{0});
+    EXPECT_EQ(ReadBmp(uncounted)->palette, ReadBmp(block)->palette);
     // Field, bytes: each makes the header contradict the rest.
     for (const size_t offset : {10, 14, 18, 22, 28, 30, 46}) {
         std::vector<uint8_t> damaged = block;

@@ -169,4 +169,25 @@ TEST(Masking, MaskedImageOutlivesItsSourceAndCanBeMaskedAgain) {
     EXPECT_EQ(ColourAt(*result, 25, 5), ColourAt(*pixels, 25, 5));
 }
 
+// Whoever asks first for the pixels or for the file: both are the same, and an image without a mask is not copied.
+TEST(Masking, PixelsAndFileAreTheSameInAnyOrder) {
+    const auto image = MakeTestImage(1500, 9, 24, 254, 254);
+    EXPECT_EQ(Image(image).Pixels(), image);
+    for (const bool keep : {true, false}) {
+        const Image masked(Image(image), keep, std::vector<Area>{{3, 0, 20, 5}, {800, 2, 1200, 4}});
+        std::vector<uint8_t> before(masked.BmpSize()), after(masked.BmpSize());
+        masked.WriteBmp(before.data());
+        const auto pixels = masked.Pixels();
+        EXPECT_EQ(masked.Pixels(), pixels);
+        masked.WriteBmp(after.data());
+        EXPECT_EQ(before, after);
+        const auto read = ReadBmp(after);
+        EXPECT_TRUE(std::equal(pixels->Data(), pixels->Data() + pixels->Size(), read->Data()));
+        for (const uint32_t x : {500u, 800u, 1000u, 1199u, 1200u}) {
+            const bool inside = x >= 800 && x < 1200;
+            EXPECT_EQ(ColourAt(*pixels, x, 3), inside == keep ? ColourAt(*image, x, 3) : 0xFFFFFFu) << x;
+        }
+    }
+}
+
 }  // namespace

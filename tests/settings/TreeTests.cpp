@@ -54,6 +54,7 @@ TEST(TreeText, KeepsEverythingInOrder) {
   "nothing in them": ["utf-16"],
   "signs": [-1, true],
   "off": false,
+  "back\\slash\u007f": ["a\\b\u007f"],
   "0x00000001": {}
 }
 )";
@@ -61,6 +62,7 @@ TEST(TreeText, KeepsEverythingInOrder) {
     EXPECT_EQ(text, RoundTrip("\xEF\xBB\xBF" + RoundTrip(text)));
     const NodePtr root = ReadTree(text);
     EXPECT_EQ(u"\xD83D\x41", root->Value<std::u16string>(u"units"));
+    EXPECT_TRUE(root->Value<bool>(u"RadioPageSource"));
     EXPECT_EQ(INT64_MIN, root->Value<int64_t>(u"least"));
     EXPECT_EQ(Failure::kWrongKind, FailureOf([&] { root->Value<int64_t>(u"most"); }));
     EXPECT_EQ(root->Child(u"0x0000002a")->Value<std::u16string>(u"Name").size(), 20u);
@@ -137,6 +139,7 @@ TEST(TreeText, NamesTheLineOfDamage) {
         {"half a character", "{\n\n\"a\": \"\\ud800\"}", 3, "surrogate"},
         {"zeros behind", std::string("{\n}\n\0\0{}", 8), 3, "value 0"},
         {"overflow", "{\"a\": 1e999}", 1, "number overflow"},
+        {"long", "{\"a\": \"" + std::string(5000, 'x'), 1, "missing closing quote"},
         {"deep list", "{\n\"a\": " + deep, 2, "levels deep"},
     };
     for (const auto& test : cases) {
@@ -173,6 +176,8 @@ TEST(Tree, KeepsValuesAndGroupsApart) {
     EXPECT_EQ(group, root.Child(u"group"));
     EXPECT_EQ(Failure::kWrongKind, FailureOf([&] { root.Child(u"value"); }));
     EXPECT_EQ(Failure::kWrongKind, FailureOf([&] { root.SetValue(u"group", true); }));
+    EXPECT_EQ(Failure::kWrongKind, FailureOf([&] { root.Value<bool>(u"value"); }));
+    EXPECT_EQ(Failure::kWrongKind, FailureOf([&] { root.Value<std::u16string>(u"value"); }));
     EXPECT_EQ(Failure::kMissing, FailureOf([&] { root.RemoveChild(u"value"); }));
     EXPECT_EQ(Failure::kMissing, FailureOf([&] { root.RemoveChild(u"other"); }));
     EXPECT_EQ(Failure::kMissing, FailureOf([&] { root.Value<bool>(u"other"); }));
@@ -199,6 +204,19 @@ TEST(Tree, FindsManyMembersAndKeepsTheirOrder) {
     }
     EXPECT_EQ(name(0), root.Members().back().name);
     EXPECT_EQ(7, root.Child(name(7))->Value<int64_t>(u"i"));
+}
+
+// Two trees change places at a commit: each finds its members by name after that.
+TEST(Tree, SwapsMembersWithTheirNames) {
+    Node few, many;
+    few.SetValue(u"only", int64_t{1});
+    for (int i = 0; i < 50; ++i) many.SetValue(Utf16From(std::to_string(i)), int64_t{i});
+    few.SwapMembers(many);
+    EXPECT_EQ(many.Value<int64_t>(u"only"), 1);
+    EXPECT_EQ(few.Value<int64_t>(u"49"), 49);
+    few.SetValue(u"49", int64_t{7});
+    EXPECT_EQ(few.Members().size(), 50u);
+    EXPECT_EQ(Failure::kMissing, FailureOf([&] { many.Value<int64_t>(u"49"); }));
 }
 
 TEST(Tree, MergesCopies) {

@@ -24,7 +24,8 @@ TEST(TraceText, FormatsAnything) {
     const std::wstring tooLong(200000, L'x');
     EXPECT_EQ(L"%ls", Format(L"%ls", tooLong.c_str())) << "the format at least";
     EXPECT_EQ(L"(no text)", Format(nullptr));
-    EXPECT_EQ(L"a b  c\x4E2D", support::OneLine(L"a\tb\r\nc\x4E2D"));
+    EXPECT_EQ(L"a b  c\x4E2D", support::OneLine(L"a\x7F"
+                                                L"b\r\nc\x4E2D"));
 }
 
 // The messages that an operator sees keep their own words; any other gets advice at least.

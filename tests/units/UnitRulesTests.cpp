@@ -57,6 +57,8 @@ TEST(UnitRules, TextsHaveAPointAndTheirDecimals) {
     EXPECT_EQ(Format(2101, MeasureSystem::kInches), L"8.272");
     EXPECT_EQ(Format(-1, MeasureSystem::kInches), L"-0.004");
     EXPECT_EQ(Format(kMin, MeasureSystem::kMetric), L"-214748364.8");
+    EXPECT_EQ(units::UnitName(MeasureSystem::kMetric), std::wstring(L"mm"));
+    EXPECT_EQ(units::UnitName(MeasureSystem::kInches), std::wstring(L"in"));
     std::setlocale(LC_ALL, "C");
 }
 
