@@ -1,58 +1,88 @@
 #!/usr/bin/env python3
-"""Reads gcov's JSON, a line for each object, and prints a table of lines and branches, or what is not reached."""
+"""Reads lcov's text and the reasons, and prints a table of lines and branches, and what is not reached."""
 import collections
 import json
 import os
 import sys
 
-root = sys.argv[1] + "/"
-wanted = {os.path.relpath(name, root) for name in sys.argv[2:]}
+root = os.path.join(os.path.realpath(sys.argv[1]), "")
+compiled = [entry["file"] for entry in json.load(open(sys.argv[2]))]
+wanted = {os.path.relpath(os.path.realpath(name), root) for name in sys.argv[3:]}
 
-# By file and line: how often it was reached, and how often each of its branches was taken. A line of a template or an
-# inline function stands in several objects.
+
+def inside(path):
+    path = os.path.realpath(path)
+    return path[len(root):] if path.startswith((root + "src/", root + "refhost/")) else None
+
+
+# By file and line: how often it was reached, and how often each way of its conditions was taken.
 lines = collections.defaultdict(dict)
+name = None
 for text in sys.stdin:
-    for file in json.loads(text)["files"]:
-        name = os.path.normpath(os.path.join(root, file["file"]))
-        if not name.startswith((root + "src/", root + "refhost/")):
-            continue
-        for line in file["lines"]:
-            branches = [b["count"] for b in line["branches"] if not b["throw"]]
-            known = lines[name[len(root):]].setdefault(line["line_number"], [0, {}])
-            known[0] += line["count"]
-            if len(branches) > 1:
-                for index, count in enumerate(branches):
-                    key = (line.get("function_name", ""), index)
-                    known[1][key] = known[1].get(key, 0) + count
+    key, _, value = text.strip().partition(":")
+    if key == "SF":
+        name = inside(value)
+    elif name and key == "DA":
+        number, count = value.split(",")[:2]
+        lines[name].setdefault(int(number), [0, []])[0] = int(count)
+    elif name and key == "BRDA":
+        number, _, _, count = value.split(",")
+        lines[name].setdefault(int(number), [1, []])[1].append(0 if count == "-" else int(count))
 
-# Copies of a function in several objects are one function; copies of a template for several types are told apart, and a
-# branch counts as taken when one copy takes it.
-def branches_of(line):
-    taken = {}
-    for (function, index), count in line[1].items():
-        taken[index] = max(taken.get(index, 0), count)
-    return list(taken.values())
+# Stretches of lines that are not reached, and lines whose conditions go one way only.
+gaps = []
+for name in sorted(lines):
+    previous = None
+    for number, (count, branches) in sorted(lines[name].items()):
+        if count == 0 and previous and previous["end"] == number - 1 and previous["what"] == "not reached":
+            previous["end"] = number
+        elif count == 0 or 0 in branches:
+            what = f"{branches.count(0)} of {len(branches)} branches not taken" if count else "not reached"
+            previous = {"file": name, "line": number, "end": number, "what": what, "reason": None}
+            gaps.append(previous)
+for name in sorted(set(filter(None, map(inside, compiled))) - set(lines)):
+    gaps.append({"file": name, "line": 1, "end": 1, "what": "in no test program", "reason": None})
+
+# A reason holds for the one gap in which a line with its piece of text stands.
+errors = []
+name = None
+for number, text in enumerate(open(root + "scripts/coverage-reasons.txt"), 1):
+    if not text.strip() or text.startswith("#"):
+        continue
+    if not text.startswith(" "):
+        name = text.strip()
+        source = open(root + name).read().split("\n") if os.path.isfile(root + name) else []
+        continue
+    piece, _, reason = text.strip().partition("  -  ")
+    found = [index for index, line in enumerate(source, 1) if piece in line]
+    concerned = [gap for gap in gaps if gap["file"] == name and any(gap["line"] <= i <= gap["end"] for i in found)]
+    if not reason or not found or len(concerned) > 1:
+        errors.append(f"scripts/coverage-reasons.txt:{number}: has no reason, or fits no line or several of {name}")
+    elif not concerned:
+        errors.append(f"scripts/coverage-reasons.txt:{number}: {name}:{found[0]} is reached and needs no reason")
+    else:
+        concerned[0]["reason"] = reason
+
+missing = [gap for gap in gaps if gap["reason"] is None]
+
 
 def percent(part, whole):
     return f"{100 * part / whole:6.1f}" if whole else "      "
 
-if wanted:
-    for name in sorted(wanted):
-        for number, line in sorted(lines.get(name, {}).items()):
-            branches = branches_of(line)
-            if line[0] == 0:
-                print(f"{name}:{number}: not reached")
-            elif any(count == 0 for count in branches):
-                print(f"{name}:{number}: {sum(c == 0 for c in branches)} of {len(branches)} branches not taken")
-    sys.exit()
 
-total = [0, 0, 0, 0]
-print("  lines   in all  branches   in all  file")
-for name in sorted(lines):
-    reached = sum(line[0] > 0 for line in lines[name].values())
-    branches = [count for line in lines[name].values() for count in branches_of(line)]
-    taken = sum(count > 0 for count in branches)
-    figures = [reached, len(lines[name]), taken, len(branches)]
-    total = [a + b for a, b in zip(total, figures)]
-    print(f"{percent(reached, figures[1])} {figures[1]:8} {percent(taken, figures[3]):>9} {figures[3]:8}  {name}")
-print(f"{percent(total[0], total[1])} {total[1]:8} {percent(total[2], total[3]):>9} {total[3]:8}  all")
+if not wanted:
+    total = [0, 0, 0, 0]
+    print("  lines   in all  branches   in all  file")
+    for name in sorted(lines):
+        branches = [count for line in lines[name].values() for count in line[1]]
+        figures = [sum(line[0] > 0 for line in lines[name].values()), len(lines[name]),
+                   sum(count > 0 for count in branches), len(branches)]
+        total = [a + b for a, b in zip(total, figures)]
+        print(f"{percent(*figures[:2])} {figures[1]:8} {percent(*figures[2:]):>9} {figures[3]:8}  {name}")
+    print(f"{percent(*total[:2])} {total[1]:8} {percent(*total[2:]):>9} {total[3]:8}  all")
+for gap in [gap for gap in gaps if gap["file"] in wanted] if wanted else missing:
+    print(f"{gap['file']}:{gap['line']}: {gap['what']}: {gap['reason'] or 'NO REASON'}")
+for error in errors:
+    print(error)
+print(f"{len(gaps) - len(missing)} lines and branches have a reason, {len(missing)} have none")
+sys.exit(1 if missing or errors else 0)

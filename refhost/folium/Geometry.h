@@ -60,11 +60,6 @@ inline int64_t HeightOf(const Rect& rect) {
 inline PixelRect Intersection(const PixelRect& a, const PixelRect& b) {
     return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right), std::min(a.bottom, b.bottom)};
 }
-inline PixelRect Union(const PixelRect& a, const PixelRect& b) {
-    if (a.Empty()) return b;
-    if (b.Empty()) return a;
-    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right), std::max(a.bottom, b.bottom)};
-}
 inline PixelRect Inflated(const PixelRect& rect, int by) {
     return {rect.left - by, rect.top - by, rect.right + by, rect.bottom + by};
 }

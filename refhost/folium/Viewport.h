@@ -26,7 +26,6 @@ public:
 
     bool HasPage() const { return m_page.width > 0 && m_page.height > 0; }
     Size Page() const { return m_page; }
-    ZoomMode Mode() const { return m_mode; }
     double Percent() const { return m_scale * 25400.0 / m_dpi; }
     int Dpi() const { return m_dpi; }
     // A length given for 96 dots per inch.

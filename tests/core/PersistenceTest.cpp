@@ -192,6 +192,24 @@ TEST_F(PersistenceTest, LoadsOncePerCycleAndReportsAFailureOnce) {
     EXPECT_EQ(m_manager.GetCount(), 1);
 }
 
+// A set that was read by half for want of memory must not pass for what is stored: the next commit would store the half.
+TEST_F(PersistenceTest, WithoutMemoryNoSetIsTakenForRead) {
+    Add(L"a", 1, {{1, 2, 3, 4}, {5, 6, 7, 8}})->SetDisplayRect({0, 0, 10, 10});
+    m_manager.StoreSettings();
+    for (bool reached = true; reached;) {
+        const int n = g_control.failAt + 1;
+        g_control = {};
+        g_control.failAt = n;
+        g_control.noMemory = true;
+        CAreaSetManager other(Root, L"ZonwickTestMutex");
+        const bool loaded = other.LoadSettings();
+        reached = g_control.calls >= n;
+        EXPECT_EQ(loaded, !reached) << n;
+        EXPECT_EQ(other.WasLastLoadComplete(), !reached) << n;
+    }
+    EXPECT_GT(g_control.failAt, 10);
+}
+
 // Every call fails once, and once from then on: nothing is thrown, results are as documented, and whenever the result
 // is told complete it really is.
 TEST_F(PersistenceTest, SurvivesAFailureOfEveryCall) {

@@ -3,6 +3,7 @@
 
 #include <map>
 #include <memory>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -17,12 +18,15 @@ struct NodeControl {
     int failAt = 0;  // 1 is the next call; 0 never
     int calls = 0;
     bool keepFailing = false;
+    bool noMemory = false;  // the failure is one of memory
     std::vector<std::wstring> log;
 
     void Count(std::wstring call) {
         ++calls;
         log.push_back(std::move(call));
-        if (failAt != 0 && (calls == failAt || (keepFailing && calls > failAt))) throw std::runtime_error("call");
+        if (failAt == 0 || (calls != failAt && !(keepFailing && calls > failAt))) return;
+        if (noMemory) throw std::bad_alloc();
+        throw std::runtime_error("call");
     }
 };
 
