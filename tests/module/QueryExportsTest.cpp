@@ -155,33 +155,77 @@ TEST_F(QueryExports, AHalfFilledWorkingNodeIsNeverUsed) {
     EXPECT_EQ(m_module->MapID2Index(2), 1u);
 }
 
-// Every host call of SAInit and the load behind it fails in turn, with a status and with null: the sets are either all
-// there or none, the host's node is never touched, and the next SAInit works.
+// What is left of the set "Invoice", as text.
+std::wstring DescribeInvoice(const test::LoadedModule& module) {
+    SAAreaInfo info = {};
+    RECT rects[2] = {};
+    if (!module.GetAreaInfo(5, &info)) return L"none";
+    EXPECT_TRUE(module.GetAreaRects(5, rects));
+    std::wstring text = info.szName + (L" " + std::to_wstring(info.dwFlags >> 28));
+    for (UINT i = 0; i < info.nAreas; ++i) {
+        text += L" " + std::to_wstring(rects[i].left) + L"," + std::to_wstring(rects[i].top) + L"," +
+                std::to_wstring(rects[i].right) + L"," + std::to_wstring(rects[i].bottom);
+    }
+    return text;
+}
+
+// Every host call of SAInit and of the load behind it fails in turn, with a status and with null. Each row says which
+// calls these are and what has to come of it; the host's node is never touched, and the next SAInit works.
 TEST_F(QueryExports, SurviveAFailureOfEveryHostCall) {
+    constexpr const wchar_t* kFailed = L"SAInit: a host object failed with status 0x80004005.";
+    constexpr const wchar_t* kNoMemory = L"SAInit: a host object failed with status 0x8007000e.";
+    constexpr const wchar_t* kWhole = L"Invoice 1 1,2,3,4 20,10,40,30";
+    const struct {
+        int last;  // from the row before up to this call
+        const wchar_t* what;
+        Texts told, toldLater;
+        const wchar_t* invoice;
+        bool second;                    // whether the set after it is there
+        const wchar_t* withNull = L"";  // where null leads to something else
+        bool secondWithNull = false;
+    } rows[] = {
+        {1, L"the host's node is no node: the one before stays", {kFailed}, {}, kWhole, true},
+        {4, L"the working node is not made", {}, {kLoadFailed, L"#34106"}, L"none", false},
+        {5, L"the transfer object is not made", {kNoMemory}, {kLoadFailed, L"#34106"}, L"none", false},
+        {9, L"half is copied", {kFailed}, {kLoadFailed, L"#34106"}, L"none", false},
+        {10, L"names of the sets", {kLoadFailed}, {}, L"none", false},
+        {11, L"the set's node", {kLoadFailed}, {}, L"none", false, L" 0", false},
+        {12, L"its name", {}, {}, L" 1 1,2,3,4 20,10,40,30", true},
+        {13, L"its flags", {}, {}, L"Invoice 0 1,2,3,4 20,10,40,30", true},
+        {15, L"its page", {}, {}, kWhole, true},
+        {17, L"its list of areas", {kLoadFailed}, {}, L"Invoice 1", false},
+        {22, L"the first area", {}, {}, L"Invoice 1 0,0,0,0 20,10,40,30", true},
+        {27, L"the second area", {}, {}, L"Invoice 1 1,2,3,4 0,0,0,0", true},
+        {28, L"the second set's node", {kLoadFailed}, {}, kWhole, false, kWhole, true},
+        {32, L"its values", {}, {}, kWhole, true},
+        {34, L"its list of areas", {kLoadFailed}, {}, kWhole, true},
+        {35, L"none", {}, {}, kWhole, true},
+    };
     const std::wstring before = m_tree->Dump();
+    Init();
     for (const bool giveNull : {false, true}) {
-        for (int n = 1;; ++n) {
-            SCOPED_TRACE(n);
-            Host().Reset();
-            Host().failAt = n;
-            Host().giveNull = giveNull;
-            Host().copyHalf = true;
-            Init();
-            const bool reached = Host().calls >= n;
-            Host().Reset();
-            // All sets, or some and a trace that says so; never a set that is not whole.
-            const bool told = !m_module->TakeTexts().empty();
-            SAAreaInfo info = {};
-            const BOOL found = m_module->GetAreaInfo(5, &info);
-            EXPECT_TRUE(found || reached);
-            const bool toldLater = !m_module->TakeTexts().empty();
-            EXPECT_TRUE(found || told || toldLater);
-            DWORD id = 0;
-            EXPECT_TRUE(told || toldLater || m_module->MapIndex2ID(1, &id)) << "half a copy is used";
-            EXPECT_EQ(m_tree->Dump(), before);
-            Init();
-            EXPECT_EQ(m_module->MapID2Index(2), 1u);
-            if (!reached) break;
+        int n = 0;
+        for (const auto& row : rows) {
+            while (++n <= row.last) {
+                SCOPED_TRACE(testing::Message() << "call " << n << ", null " << giveNull << ": " << row.what);
+                Host().Reset();
+                Host().failAt = n;
+                Host().giveNull = giveNull;
+                Host().copyHalf = true;
+                Init();
+                EXPECT_EQ(Host().calls < n, &row == std::end(rows) - 1);
+                EXPECT_EQ(m_module->TakeTexts(), row.told);
+                const bool other = giveNull && *row.withNull != L'\0';
+                EXPECT_EQ(DescribeInvoice(*m_module), other ? row.withNull : row.invoice);
+                EXPECT_EQ(m_module->TakeTexts(), row.toldLater);
+                EXPECT_EQ(m_module->MapID2Index(2) == 1, other ? row.secondWithNull : row.second);
+                EXPECT_EQ(m_tree->Dump(), before);
+                Host().Reset();
+                Init();
+                EXPECT_EQ(m_module->MapID2Index(2), 1u);
+                m_module->TakeTexts();
+            }
+            --n;
         }
     }
 }
