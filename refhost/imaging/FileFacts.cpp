@@ -114,25 +114,37 @@ void ReadBmpFacts(Bytes file, FileFacts& facts) {
 
 }  // namespace
 
+FileKind KindOfFile(Bytes file) {
+    if (StartsWith(file, "\x89PNG\r\n\x1a\n", 8)) return FileKind::kPng;
+    if (StartsWith(file, "\xFF\xD8", 2)) return FileKind::kJpeg;
+    if (StartsWith(file, "BM", 2) && file.size() >= 26) return FileKind::kBmp;
+    return IsTiff(file) ? FileKind::kTiff : FileKind::kUnknown;
+}
+
 FileFacts ReadFileFacts(Bytes file, uint32_t frame) {
     FileFacts facts;
-    if (StartsWith(file, "\x89PNG\r\n\x1a\n", 8)) {
-        facts.kind = FileKind::kPng;
-        ReadPng(file, facts);
-    } else if (StartsWith(file, "\xFF\xD8", 2)) {
-        facts.kind = FileKind::kJpeg;
-        ReadJpeg(file, facts);
-    } else if (StartsWith(file, "BM", 2) && file.size() >= 26) {
-        facts.kind = FileKind::kBmp;
-        ReadBmpFacts(file, facts);
-    } else if (IsTiff(file)) {
-        facts.kind = FileKind::kTiff;
-        const auto directory = TiffFrame(file, frame);
-        facts.truncated = !directory || !directory->IsWhole();
-        if (directory) {
-            facts.dpiX = directory->DpiX();
-            facts.dpiY = directory->DpiY();
+    facts.kind = KindOfFile(file);
+    switch (facts.kind) {
+        case FileKind::kPng:
+            ReadPng(file, facts);
+            break;
+        case FileKind::kJpeg:
+            ReadJpeg(file, facts);
+            break;
+        case FileKind::kBmp:
+            ReadBmpFacts(file, facts);
+            break;
+        case FileKind::kTiff: {
+            const auto directory = TiffFrame(file, frame);
+            facts.truncated = !directory || !directory->IsWhole();
+            if (directory) {
+                facts.dpiX = directory->DpiX();
+                facts.dpiY = directory->DpiY();
+            }
+            break;
         }
+        case FileKind::kUnknown:
+            break;
     }
     return facts;
 }

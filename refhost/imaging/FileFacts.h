@@ -17,6 +17,7 @@ struct FileFacts {
     double dpiY = 0;
 };
 
+FileKind KindOfFile(std::span<const uint8_t> file);
 FileFacts ReadFileFacts(std::span<const uint8_t> file, uint32_t frame);
 
 }  // namespace imaging

@@ -73,8 +73,9 @@ Output::Output(const wchar_t* path, HostImageFormat format)
     Check(m_stream->InitializeFromFilename(m_partPath.c_str(), GENERIC_WRITE));
     if (format == kHostFormatBmp) return;
     try {
-        const GUID& container = format == kHostFormatPng ? GUID_ContainerFormatPng : GUID_ContainerFormatTiff;
-        Check(m_factory->CreateEncoder(container, nullptr, &m_encoder));
+        // The system's own; the factory would look through all that are registered.
+        const CLSID& encoder = format == kHostFormatPng ? CLSID_WICPngEncoder : CLSID_WICTiffEncoder;
+        Check(m_encoder.CreateInstance(encoder, nullptr, CLSCTX_INPROC_SERVER));
         Check(m_encoder->Initialize(m_stream, WICBitmapEncoderNoCache));
     } catch (...) {
         Close();

@@ -104,6 +104,17 @@ Resolution FrameResolution(IWICBitmapFrameDecode* frame, const FileFacts& facts,
     return ResolveResolution(fileX, fileY, dpiX, dpiY);
 }
 
+// The system's own decoder of a kind. The factory looks through all that are registered, at every page, which takes as
+// long as decoding a small one.
+IWICBitmapDecoderPtr OwnDecoder(FileKind kind, IWICStream* stream) {
+    const CLSID* decoders[] = {nullptr, &CLSID_WICPngDecoder, &CLSID_WICJpegDecoder, &CLSID_WICBmpDecoder,
+                               &CLSID_WICTiffDecoder};
+    const CLSID* id = decoders[static_cast<size_t>(kind)];
+    IWICBitmapDecoderPtr decoder;
+    if (id == nullptr || FAILED(decoder.CreateInstance(*id, nullptr, CLSCTX_INPROC_SERVER))) return nullptr;
+    return SUCCEEDED(decoder->Initialize(stream, WICDecodeMetadataCacheOnDemand)) ? decoder : nullptr;
+}
+
 std::vector<uint8_t> ReadWholeFile(const wchar_t* path) {
     // Others may write or delete it meanwhile; what is read here is what counts.
     const HANDLE raw = CreateFileW(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
@@ -156,7 +167,11 @@ ImageFile::ImageFile(std::wstring name, std::vector<uint8_t> bytes)
     m_factory = CreateFactory();
     Check(m_factory->CreateStream(&m_stream));
     Check(m_stream->InitializeFromMemory(m_bytes.data(), static_cast<DWORD>(m_bytes.size())));
-    Check(m_factory->CreateDecoderFromStream(m_stream, nullptr, WICDecodeMetadataCacheOnDemand, &m_decoder));
+    m_decoder = OwnDecoder(KindOfFile(m_bytes), m_stream);
+    if (m_decoder == nullptr) {
+        Check(m_stream->Seek({}, STREAM_SEEK_SET, nullptr));
+        Check(m_factory->CreateDecoderFromStream(m_stream, nullptr, WICDecodeMetadataCacheOnDemand, &m_decoder));
+    }
     Check(m_decoder->GetFrameCount(&m_frames));
     // The decoder leaves out pages behind a broken link without a word, and counts thousands where links run in a
     // circle.
