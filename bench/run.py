@@ -151,13 +151,28 @@ def summary(row, detail, pairs):
             "ours": statistics.median(p[0] for p in pairs) if not kind.startswith("value") else None}
 
 
-def show(result):
+def words(result):
+    """Target, figure, spread and verdict as texts."""
     low, high = result["spread"]
+    digits = 0 if high >= 100 else 2
     sign = {"most": "<=", "value-most": "<=", "faster": ">=", "value-least": ">="}[result["kind"]]
     target = "-" if result["target"] is None else f"{sign} {result['target']:g}"
     verdict = "" if result["target"] is None else "met" if result["met"] else "MISSED"
-    print(f"{result['row']:<20} {result['detail']:<44} {target:<8} {result['figure']:8.2f}  [{low:.2f} - {high:.2f}]"
-          f"  {verdict}", flush=True)
+    return target, f"{result['figure']:.{digits}f}", f"{low:.{digits}f} - {high:.{digits}f}", verdict
+
+
+def show(result):
+    target, middle, spread, verdict = words(result)
+    print(f"{result['row']:<20} {result['detail']:<50} {target:<8} {middle:>8}  {spread:<17} {verdict}", flush=True)
+
+
+def table(results):
+    lines = ["| what | | target | figure | spread | |", "|---|---|---|---|---|---|"]
+    for result in results:
+        target, middle, spread, verdict = words(result)
+        target = target.replace("<=", "at most").replace(">=", "at least")
+        lines.append(f"| {ROWS[result['row']][2]} | {result['detail']} | {target} | {middle} | {spread} | {verdict} |")
+    return "\n".join(lines) + "\n"
 
 
 def main():
@@ -179,6 +194,7 @@ def main():
             elif row.startswith("size-"):
                 sizes.setdefault(row, []).append((int(detail), statistics.median(p[0] for p in pairs)))
     (out / "results.json").write_text(json.dumps({"rows": results, "sizes": sizes}, indent=1))
+    (out / "table.md").write_text(table(results))
     if not wanted:
         (out / "cost.svg").write_text(plot.draw(sizes))
     judged = [r for r in results if r["target"] is not None]
