@@ -99,7 +99,7 @@ bool CSASetConfigDlg::OnInitDialog() {
     const bool ignored = (m_pAreaSet->GetFlags() & kAreasIgnored) != 0;
     CheckDlgButton(IDC_CONFIG_IGNORED, ignored);
     CheckDlgButton(IDC_CONFIG_REQUIRED, !ignored);
-    if (!m_strColumnWidths.empty()) m_list.SetColumnWidths(m_strColumnWidths);
+    ApplyColumnWidths();
     return true;
 }
 

@@ -81,6 +81,7 @@ private:
     void OnScale(UINT command);
     void OnSmoothImages();
     bool LoadViewSettings();
+    void ApplyColumnWidths();
     void SaveViewSettings();
     LRESULT OnDestroy(WPARAM wParam, LPARAM lParam);
 

@@ -59,6 +59,7 @@ void CSASetConfigDlg::OnRectAdded(LONG id) {
         item.iItem = row;
         item.lParam = id;
         m_list.SetItem(item);
+        EnableRemove(true);  // also where the lengths cannot be written
         UpdateRectRow(row, FromFolium(rect));
         if (!field.empty()) m_list.SetItemText(row, rectlist::kIndexingField, field);
     }
@@ -119,10 +120,10 @@ void CSASetConfigDlg::OnAdd() {
             m_pFolium->DeleteRect(id);  // without a row, OK would leave it out
             throw;
         }
+        EnableRemove(true);
         UpdateRectRow(row, rect);
         m_list.EnsureVisible(row);
     }
-    EnableRemove(true);
 }
 
 void CSASetConfigDlg::OnRemove() {

@@ -181,6 +181,12 @@ bool CSASetConfigDlg::LoadViewSettings() {
     return true;
 }
 
+// Remembered widths that the list cannot read are as good as none.
+void CSASetConfigDlg::ApplyColumnWidths() {
+    if (m_strColumnWidths.empty() || m_list.SetColumnWidths(m_strColumnWidths)) return;
+    m_list.SetColumnWidths(GetWidthsSetting(IsIndexing()).fallback);
+}
+
 void CSASetConfigDlg::SaveViewSettings() {
     ComSettingsNode node(GetApp().GetSettingsNode());
     node.SetBool(kKeySmooth, m_bSmooth);

@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "configdlg/ConfigFixture.h"
+#include "refhost/units/HostUnits.h"
 
 #include <commctrl.h>
 #include "support/FakeDocuments.h"
@@ -230,6 +231,41 @@ TEST_F(ConfigFaults, AnAreaWithoutARowDoesNotStayOnThePage) {
                             PressOk}));
     EXPECT_EQ(StoredRects(5).size(), 4u);
     TakeTraces();
+}
+
+// Lengths cannot be written then; what was drawn or added is there all the same, and can be removed.
+TEST_F(ConfigFaults, AnAreaAddedWithoutUnitsHasARowThatWorks) {
+    const std::function<void(HWND)> adds[] = {[](HWND dialog) { Push(dialog, IDC_CONFIG_ADD); },
+                                              [](HWND dialog) {
+                                                  const FoliumRect rect = {100, 200, 300, 400};
+                                                  LONG id = 0;
+                                                  FoliumOf(dialog)->InsertRect(&rect, &id);
+                                              }};
+    KeepPages();
+    for (const auto& add : adds) {
+        EXPECT_TRUE(PlaySet(9, {[&](HWND dialog) {
+                                    EXPECT_FALSE(Enabled(dialog, IDC_CONFIG_REMOVE));
+                                    m_units.reset();
+                                    add(dialog);
+                                    EXPECT_EQ(TakeHostBoxes().size(), 1u);
+                                    EXPECT_EQ(RowCount(dialog), 1);
+                                    EXPECT_TRUE(Enabled(dialog, IDC_CONFIG_REMOVE));
+                                    SelectRow(dialog, 0);
+                                    Push(dialog, IDC_CONFIG_REMOVE);
+                                    EXPECT_EQ(RowCount(dialog), 0);
+                                    EXPECT_FALSE(Enabled(dialog, IDC_CONFIG_REMOVE));
+                                    m_units = std::make_unique<com::ClassRegistration>(
+                                        L"HostUnits.dll", std::initializer_list<CLSID>{host::kClsidMeasureUnits});
+                                    m_units->Dll().Export<decltype(HostSetMeasureSystem)>("HostSetMeasureSystem")(1);
+                                    add(dialog);
+                                    EXPECT_NE(CellText(dialog, 0, 0), L"");
+                                    SelectRow(dialog, 0);
+                                    Push(dialog, IDC_CONFIG_REMOVE);
+                                },
+                                PressOk}));
+        TakeTraces();
+    }
+    EXPECT_TRUE(StoredRects(9).empty());
 }
 
 TEST_F(ConfigFaults, AStackThatFailsAtEveryCallStillShowsTheAreas) {

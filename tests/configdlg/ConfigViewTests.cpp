@@ -229,6 +229,59 @@ TEST_F(ConfigView, ZoomSmoothingAndColumnWidthsAreRemembered) {
                             [](HWND) {}, PressCancel}));
 }
 
+// How many pixels of the page's window have a colour.
+int PixelsOf(HWND dialog, COLORREF color) {
+    const HWND page = PageOf(dialog);
+    RECT rect = {};
+    GetClientRect(page, &rect);
+    const HDC window = GetDC(page);
+    const HDC memory = CreateCompatibleDC(window);
+    const HBITMAP bitmap = CreateCompatibleBitmap(window, rect.right, rect.bottom);
+    const HGDIOBJ before = SelectObject(memory, bitmap);
+    BitBlt(memory, 0, 0, rect.right, rect.bottom, window, 0, 0, SRCCOPY);
+    int count = 0;
+    for (int y = 0; y < rect.bottom; ++y) {
+        for (int x = 0; x < rect.right; ++x) count += GetPixel(memory, x, y) == color ? 1 : 0;
+    }
+    SelectObject(memory, before);
+    DeleteObject(bitmap);
+    DeleteDC(memory);
+    ReleaseDC(page, window);
+    return count;
+}
+
+// Colours in which red and blue differ much, and which are told apart well enough that none is replaced.
+TEST_F(ConfigView, AreasHaveTheColoursThatTheHostChose) {
+    constexpr COLORREF kArea = RGB(200, 10, 30), kSelected = RGB(20, 180, 40), kSecond = RGB(250, 240, 20);
+    const auto changeColors = reinterpret_cast<decltype(&::SAChangeColors)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"Zonwick.dll"), "SAChangeColors")));
+    KeepPages();
+    const auto look = [](HWND dialog, bool chosen, bool selected) {
+        const FoliumDisplayOptions options = DisplayOptions(dialog);
+        EXPECT_EQ(options.area1, chosen ? kArea : RGB(255, 255, 255));
+        EXPECT_EQ(options.area2, chosen ? kSelected : RGB(255, 255, 255));
+        EXPECT_EQ(options.area3, chosen ? kSecond : RGB(0, 0, 0));
+        EXPECT_EQ(PixelsOf(dialog, kArea) > 50, chosen);
+        EXPECT_EQ(PixelsOf(dialog, kSelected) > 50, selected);
+        EXPECT_EQ(PixelsOf(dialog, kSecond) > 50, chosen);
+        for (const COLORREF color : {kArea, kSelected, kSecond}) {
+            EXPECT_EQ(PixelsOf(dialog, RGB(GetBValue(color), GetGValue(color), GetRValue(color))), 0) << color;
+        }
+    };
+    EXPECT_TRUE(PlaySet(5, {[&](HWND dialog) {
+                                changeColors(kArea, kSelected, kSecond);
+                                SelectRow(dialog, 1);
+                            },
+                            [&](HWND dialog) { look(dialog, false, false); }, PressCancel}))
+        << "a dialog that is open keeps its colours";
+    EXPECT_TRUE(PlaySet(5, {[&](HWND dialog) { look(dialog, true, false); }, [](HWND dialog) { SelectRow(dialog, 1); },
+                            [&](HWND dialog) { look(dialog, true, true); }, PressCancel}));
+    std::vector<SAIndexField> fields = {Field(L"Total", {500, 500, 1500, 1000})};
+    EXPECT_TRUE(PlayPage(fields, {[&](HWND dialog) { look(dialog, true, false); }, PressCancel}));
+    changeColors(RGB(255, 255, 255), RGB(255, 255, 255), RGB(0, 0, 0));
+    EXPECT_TRUE(PlaySet(5, {[&](HWND dialog) { look(dialog, false, false); }, PressCancel}));
+}
+
 TEST_F(ConfigView, AStoredViewThatMakesNoSenseIsLeftAside) {
     for (const int64_t scale : {int64_t{-1}, int64_t{0}, int64_t{27785}, int64_t{27796}, (int64_t{1} << 32) + 27791}) {
         m_tree->integers[L"LastScale"] = scale;
@@ -241,7 +294,7 @@ TEST_F(ConfigView, AStoredViewThatMakesNoSenseIsLeftAside) {
                                 },
                                 PressOk}));
         EXPECT_EQ(WorkingRoot().integers[L"LastScale"], 27793) << scale;
-        EXPECT_TRUE(WorkingRoot().strings[L"ColumnsWidth"].starts_with(L"[%]"));
+        EXPECT_EQ(WorkingRoot().strings[L"ColumnsWidth"], L"[%]250,250,250,250");
         EXPECT_TRUE(WorkingRoot().booleans[L"LastGrey"]);
     }
 }
