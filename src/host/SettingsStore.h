@@ -36,7 +36,8 @@ struct ISettingsNode : IUnknown {
 };
 ZONWICK_UUID(ISettingsNode, ZONWICK_IID_SETTINGS_NODE)
 
-// Copies whole trees between nodes, of the same store or of different ones.
+// Copies whole trees between nodes, of the same store or of different ones. ClearNode and then CopyNode onto the host's
+// node are one commit: what stood there is kept until CopyNode has succeeded, and is back when it fails.
 struct ISettingsTransfer : IDispatch {
     // 7: the target receives the source's values and sub-nodes.
     virtual HRESULT STDMETHODCALLTYPE CopyNode(ISettingsNode* target, ISettingsNode* source) = 0;
