@@ -65,6 +65,7 @@ private:
     LRESULT OnItemsMoved(NMHDR* header);
     void OnFieldEdited(int row);
     void OnLengthEdited(int row, rectlist::Column column);
+    void ApplyLength(int row, rectlist::Column column, LONG id, const std::optional<PageRect>& shown);
 
     // The view of the page (SASetConfigView.cpp)
     bool GetPage(uint32_t& flags, IPageImagePtr& page);

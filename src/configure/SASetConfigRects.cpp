@@ -11,6 +11,7 @@ using rectlist::Column;
 using win32::CallHost;
 
 constexpr UINT kSelected = LVIS_SELECTED | LVIS_FOCUSED;
+constexpr const wchar_t* kUnknown = L"?";  // no number: editing another cell of the row keeps this length as it is
 
 }  // namespace
 
@@ -32,9 +33,17 @@ std::vector<std::wstring> CSASetConfigDlg::GetRowFields() const {
 }
 
 void CSASetConfigDlg::UpdateRectRow(int row, const PageRect& rect) {
-    const rectlist::RowTexts texts = rectlist::GetRowTexts(rect, ListUnits());
-    for (int column = 0; column < rectlist::kLengthColumns; ++column) {
-        m_list.SetItemText(row, column, texts[static_cast<size_t>(column)]);
+    const auto show = [&](const rectlist::RowTexts& texts) {
+        for (int column = 0; column < rectlist::kLengthColumns; ++column) {
+            m_list.SetItemText(row, column, texts[static_cast<size_t>(column)]);
+        }
+    };
+    try {
+        show(rectlist::GetRowTexts(rect, ListUnits()));
+    } catch (...) {
+        // Neither other lengths than OK will store, nor empty cells, which count as 0.
+        show({kUnknown, kUnknown, kUnknown, kUnknown});
+        throw;
     }
 }
 
@@ -50,10 +59,13 @@ void CSASetConfigDlg::OnRectAdded(LONG id) {
         FoliumRect rect = {};
         if (FAILED(m_pFolium->QueryRect(id, &rect))) return;
         const ScopedFlag updating(m_bUpdatingList, true, false);
-        const auto rectId = static_cast<uint32_t>(id);
-        const std::wstring field =
-            m_removedFields.Holds(rectId) ? m_removedFields.TakeBack(rectId, GetRowFields()) : std::wstring();
-        const int row = m_list.InsertItem(m_list.GetItemCount(), {});
+        int row = 0;
+        try {
+            row = m_list.InsertItem(m_list.GetItemCount(), {});
+        } catch (...) {
+            m_pFolium->DeleteRect(id);  // without a row, OK would leave it out
+            throw;
+        }
         LVITEMW item = {};
         item.mask = LVIF_PARAM;
         item.iItem = row;
@@ -61,6 +73,9 @@ void CSASetConfigDlg::OnRectAdded(LONG id) {
         m_list.SetItem(item);
         EnableRemove(true);  // also where the lengths cannot be written
         UpdateRectRow(row, FromFolium(rect));
+        const auto rectId = static_cast<uint32_t>(id);
+        if (!m_removedFields.Holds(rectId)) return;
+        const std::wstring field = m_removedFields.TakeBack(rectId, GetRowFields());
         if (!field.empty()) m_list.SetItemText(row, rectlist::kIndexingField, field);
     }
     EnableRemove(true);
@@ -70,11 +85,19 @@ void CSASetConfigDlg::OnRectDeleted(LONG id) {
     if (!m_bProcessCtrlEvents) return;
     const int row = FindRow(id);
     if (row < 0) return;
-    if (IsIndexing()) {
-        m_removedFields.Remember(static_cast<uint32_t>(id), m_list.GetItemText(row, rectlist::kIndexingField));
+    const auto removeRow = [&] {
+        m_list.DeleteItem(row);
+        if (m_list.GetItemCount() == 0) EnableRemove(false);
+    };
+    try {
+        if (IsIndexing()) {
+            m_removedFields.Remember(static_cast<uint32_t>(id), m_list.GetItemText(row, rectlist::kIndexingField));
+        }
+    } catch (...) {
+        removeRow();  // OK could not read the rectangle of a row that stayed
+        throw;
     }
-    m_list.DeleteItem(row);
-    if (m_list.GetItemCount() == 0) EnableRemove(false);
+    removeRow();
 }
 
 void CSASetConfigDlg::OnRectChanged(LONG id) {
@@ -166,20 +189,38 @@ LRESULT CSASetConfigDlg::OnCellEdited(NMHDR* header) {
 }
 
 void CSASetConfigDlg::OnFieldEdited(int row) {
-    for (const int other : rectlist::GetRowsLosingField(GetRowFields(), row)) {
-        m_list.SetItemText(other, rectlist::kIndexingField, {});
+    try {
+        for (const int other : rectlist::GetRowsLosingField(GetRowFields(), row)) {
+            m_list.SetItemText(other, rectlist::kIndexingField, {});
+        }
+    } catch (...) {
+        m_list.SetItemText(row, rectlist::kIndexingField, {});  // two rows of one field would lose one of the places
+        throw;
     }
 }
 
 void CSASetConfigDlg::OnLengthEdited(int row, Column column) {
-    const ListUnits units;
-    rectlist::RowTexts texts;
-    for (int i = 0; i < rectlist::kLengthColumns; ++i) texts[static_cast<size_t>(i)] = m_list.GetItemText(row, i);
     const auto id = static_cast<LONG>(m_list.GetItemData(row));
     FoliumRect current = {};
     std::optional<PageRect> shown;
     if (SUCCEEDED(m_pFolium->QueryRect(id, &current))) shown = FromFolium(current);
+    try {
+        ApplyLength(row, column, id, shown);
+    } catch (...) {
+        // OK stores what the page has, so the row may not show anything else.
+        if (shown) {
+            UpdateRectRow(row, *shown);
+        } else {
+            m_list.SetItemText(row, column, kUnknown);
+        }
+        throw;
+    }
+}
 
+void CSASetConfigDlg::ApplyLength(int row, Column column, LONG id, const std::optional<PageRect>& shown) {
+    const ListUnits units;
+    rectlist::RowTexts texts;
+    for (int i = 0; i < rectlist::kLengthColumns; ++i) texts[static_cast<size_t>(i)] = m_list.GetItemText(row, i);
     const auto edit = rectlist::ApplyCellEdit(texts, column, shown, units);
     if (!edit) {
         HostMessageBox(GetSafeHwnd(), win32::LoadText(IDS_WRONG_NUMBER).c_str(), MB_ICONERROR);
@@ -187,9 +228,5 @@ void CSASetConfigDlg::OnLengthEdited(int row, Column column) {
     }
     m_list.SetItemText(row, column, edit->text);
     const FoliumRect bounds = ToFolium(edit->rect);
-    const HRESULT status = m_pFolium->UpdateRect(id, &bounds);
-    if (SUCCEEDED(status)) return;
-    // OK stores what the page has, so the row may not show anything else.
-    if (shown) UpdateRectRow(row, *shown);
-    win32::ThrowHostError(status, __uuidof(IFolium));
+    CallHost(m_pFolium.GetInterfacePtr(), &IFolium::UpdateRect, id, &bounds);
 }

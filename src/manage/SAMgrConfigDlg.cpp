@@ -15,6 +15,7 @@ namespace {
 constexpr const char* kSource = "SAMgrConfigDlg";
 constexpr DWORD kListStyle = LVS_EX_FULLROWSELECT | LVS_EX_INFOTIP;
 constexpr UINT kStoppedMessage = WM_APP;
+constexpr INT_PTR kNotCreated = -1;
 
 }  // namespace
 
@@ -140,7 +141,10 @@ void CSAMgrConfigDlg::WritePageSource() {
 // The size in effect becomes that of the current set, also when the paper size dialog was cancelled.
 void CSAMgrConfigDlg::OnSettings() {
     const auto settings = [] { return GetApp().GetSettingsNode(); };
-    CSAPaperSizeDlg(settings, this).DoModal();
+    if (CSAPaperSizeDlg(settings, this).DoModal() == kNotCreated) {
+        TellFailure(IDS_ERR_OPEN_DIALOG, __LINE__);
+        return;
+    }
     const int item = GetCurrentItem();
     if (item < 0) return;
     CAreaSet* set = m_pManager->GetAreaSet(GetItemID(item));

@@ -170,8 +170,8 @@ LRESULT CSAMgrConfigDlg::OnEndLabelEdit(NMHDR* header) {
         const uint32_t dwID = GetItemID(edited.iItem);
         if (*edited.pszText != L'\0') {
             const std::wstring name = edited.pszText;
+            m_pManager->SetAreaSetName(dwID, name);  // first: when it fails, the list must not show another name
             m_list.SetItemText(edited.iItem, 0, name);
-            m_pManager->SetAreaSetName(dwID, name);
         } else if (const CAreaSet* set = m_pManager->GetAreaSet(dwID)) {
             m_list.SetItemText(edited.iItem, 0, set->GetName());
         }
