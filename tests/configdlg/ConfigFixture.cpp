@@ -21,13 +21,6 @@ namespace {
 // The module's own copy of the settings: the newest node that it made.
 std::shared_ptr<FakeTree> g_working;
 
-win32::ComPtr<IFolium> FoliumOf(HWND dialog) {
-    win32::ComPtr<IFolium> folium;
-    const auto control = win32::GetControlUnknown(GetDlgItem(dialog, IDC_CONFIG_PAGE));
-    if (control != nullptr) control.GetInterfacePtr()->QueryInterface(&folium);
-    return folium;
-}
-
 BOOL CALLBACK FindPage(HWND window, LPARAM found) {
     wchar_t name[32] = {};
     GetClassNameW(window, name, 32);
@@ -39,13 +32,15 @@ BOOL CALLBACK FindPage(HWND window, LPARAM found) {
 }  // namespace
 
 HRESULT STDMETHODCALLTYPE TestConfigHost::QueryInterface(REFIID iid, void** object) {
-    if (iid != __uuidof(IConfigScope) || SUCCEEDED(scopeQuery)) return Object::QueryInterface(iid, object);
+    if (iid != __uuidof(IConfigScope)) return Object::QueryInterface(iid, object);
     *object = nullptr;
-    return scopeQuery;
+    if (const auto result = instead ? instead() : std::nullopt) return *result;
+    return FAILED(scopeQuery) ? scopeQuery : Object::QueryInterface(iid, object);
 }
 HRESULT STDMETHODCALLTYPE TestConfigHost::GetQuire(IQuire** out) {
     calls += 'Q';
     *out = nullptr;
+    if (const auto result = instead ? instead() : std::nullopt) return *result;
     if (FAILED(getQuire)) return getQuire;
     *out = quire;
     if (*out != nullptr) (*out)->AddRef();
@@ -53,13 +48,21 @@ HRESULT STDMETHODCALLTYPE TestConfigHost::GetQuire(IQuire** out) {
 }
 HRESULT STDMETHODCALLTYPE TestConfigHost::Begin() {
     calls += 'B';
+    if (const auto result = instead ? instead() : std::nullopt) return *result;
     return begin;
 }
 HRESULT STDMETHODCALLTYPE TestConfigHost::End() {
     calls += 'E';
+    if (const auto result = instead ? instead() : std::nullopt) return *result;
     return end;
 }
 
+win32::ComPtr<IFolium> FoliumOf(HWND dialog) {
+    win32::ComPtr<IFolium> folium;
+    const auto control = win32::GetControlUnknown(GetDlgItem(dialog, IDC_CONFIG_PAGE));
+    if (control != nullptr) control.GetInterfacePtr()->QueryInterface(&folium);
+    return folium;
+}
 HWND ListOf(HWND dialog) {
     return GetDlgItem(dialog, IDC_CONFIG_LIST);
 }

@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -43,6 +45,8 @@ public:
     HRESULT STDMETHODCALLTYPE End() override;
 
     HRESULT scopeQuery = S_OK, begin = S_OK, getQuire = S_OK, end = S_OK;
+    // Asked first by each call; what it gives is the call's result, a success being one without a pointer.
+    std::function<std::optional<HRESULT>()> instead;
     win32::ComPtr<IQuire> quire;
     std::string calls;
 };
@@ -56,6 +60,7 @@ inline RECT PlaceOf(const SAIndexField& field) {
 }
 
 // The parts of the open dialog.
+win32::ComPtr<IFolium> FoliumOf(HWND dialog);
 HWND ListOf(HWND dialog);
 HWND PageOf(HWND dialog);  // the control's own window
 bool Enabled(HWND dialog, UINT id);

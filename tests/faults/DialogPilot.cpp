@@ -10,14 +10,15 @@ namespace {
 
 constexpr UINT kTick = 10;
 
-struct Flight {
+struct Course {
     const std::function<void(HWND)>& first;
     const std::function<void()>& giveUp;
     HWND below;
     HWND seen = nullptr;
     bool busy = false;
+    Flight result = Flight::kNone;
 };
-Flight* g_flight = nullptr;
+Course* g_course = nullptr;
 
 BOOL CALLBACK Find(HWND window, LPARAM found) {
     wchar_t name[16] = {};
@@ -28,18 +29,20 @@ BOOL CALLBACK Find(HWND window, LPARAM found) {
 }
 
 void CALLBACK Tick(HWND, UINT, UINT_PTR, DWORD) {
-    Flight* flight = g_flight;
+    Course* course = g_course;
     const HWND dialog = FrontDialog();
-    if (flight == nullptr || flight->busy || dialog == nullptr || dialog == flight->below) return;
-    flight->busy = true;
-    if (dialog != flight->seen) {
-        flight->seen = dialog;
-        flight->first(dialog);
+    if (course == nullptr || course->busy || dialog == nullptr || dialog == course->below) return;
+    course->busy = true;
+    if (dialog != course->seen) {
+        course->seen = dialog;
+        if (course->result == Flight::kNone) course->result = Flight::kClosed;
+        course->first(dialog);
     } else {
-        flight->giveUp();
+        course->result = Flight::kGivenUp;
+        course->giveUp();
         SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
     }
-    flight->busy = false;
+    course->busy = false;
 }
 
 }  // namespace
@@ -50,14 +53,15 @@ HWND FrontDialog() {
     return dialog;
 }
 
-void Pilot(const std::function<void(HWND dialog)>& first, const std::function<void()>& giveUp,
-           const std::function<void()>& body) {
-    Flight flight = {first, giveUp, FrontDialog()};
-    Flight* const outer = std::exchange(g_flight, &flight);
+Flight Pilot(const std::function<void(HWND dialog)>& first, const std::function<void()>& giveUp,
+             const std::function<void()>& body) {
+    Course course = {first, giveUp, FrontDialog()};
+    Course* const outer = std::exchange(g_course, &course);
     const UINT_PTR timer = SetTimer(nullptr, 0, kTick, Tick);
     body();
     KillTimer(nullptr, timer);
-    g_flight = outer;
+    g_course = outer;
+    return course.result;
 }
 
 }  // namespace test

@@ -7,10 +7,13 @@
 
 namespace test {
 
+// What became of the dialogs that came up.
+enum class Flight { kNone, kClosed, kGivenUp };
+
 // While `body` runs, each new dialog above the one that is in front now is handed to `first`; one that is still there
 // afterwards is given up: `giveUp`, and then Cancel.
-void Pilot(const std::function<void(HWND dialog)>& first, const std::function<void()>& giveUp,
-           const std::function<void()>& body);
+Flight Pilot(const std::function<void(HWND dialog)>& first, const std::function<void()>& giveUp,
+             const std::function<void()>& body);
 
 // The visible and enabled dialog of this thread; null when there is none.
 HWND FrontDialog();

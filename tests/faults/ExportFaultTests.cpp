@@ -7,8 +7,6 @@ namespace {
 
 using namespace test;
 
-constexpr const wchar_t* kOutOfMemory = L"out of memory";
-constexpr const wchar_t* kHostFailed = L"a host object failed with status";
 constexpr const wchar_t* kLoadFailed = L"6 CAreaSetManager::LoadSettings failed\n";
 constexpr const wchar_t* kNotRead = L"2 #34106\n";
 
@@ -97,6 +95,15 @@ TEST_F(ExportFaults, MaskedImage) {
          {L"2 unknown areaset name requested", L"2 cannot allocate memory: 24", L"2 cannot create masked image",
           L"2 cannot copy masked image", L"2 cannot allocate memory for masked image"}},
         {Fault::kMemory, Fault::kImaging, Fault::kCodec, Fault::kLockAbandoned, Fault::kLockFailed});
+    // Giving the block back needs nothing that could fail.
+    const auto giveBack = [&] {
+        FaultHooks::Hold(true);
+        const bool made = call();
+        FaultHooks::Hold(false);
+        Export<decltype(::FreeAreaSetImage)>("FreeAreaSetImage")(block);
+        return made;
+    };
+    Run({"FreeAreaSetImage", giveBack}, {Fault::kMemory, Fault::kImaging, Fault::kString, Fault::kLockFailed});
 }
 
 // An abandoned lock counts as taken, one that cannot be waited for does not stop anything; both are told.

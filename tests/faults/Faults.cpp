@@ -21,10 +21,7 @@ DWORD g_thread = 0;
 std::unordered_set<void*> g_blocks, g_strings;
 
 bool Meet(Fault kind) {
-    if (kind != g_plan.kind || GetCurrentThreadId() != g_thread) return false;
-    const bool fails = ++g_plan.met == g_plan.at || (g_plan.keep && g_plan.met > g_plan.at);
-    g_plan.injected += fails;
-    return fails;
+    return FaultHooks::Meet(kind);
 }
 bool Keeper(int kind) {
     return Meet(static_cast<Fault>(kind));
@@ -149,8 +146,9 @@ const Gated kGated[] = {
 }  // namespace
 
 const char* NameOf(Fault kind) {
-    constexpr const char* kNames[] = {"settings call", "settings null", "part call", "class", "memory", "string",
-                                      "abandoned",     "lock failed",   "imaging",   "codec", "window", "drawing"};
+    constexpr const char* kNames[] = {"settings",    "null",    "part",   "store",  "config",
+                                      "config null", "class",   "memory", "string", "abandoned",
+                                      "lock failed", "imaging", "codec",  "window", "drawing"};
     static_assert(std::size(kNames) == static_cast<size_t>(Fault::kCount));
     return kind < Fault::kCount ? kNames[static_cast<size_t>(kind)] : "no fault";
 }
@@ -191,8 +189,19 @@ FaultHooks::~FaultHooks() {
     g_strings.clear();
 }
 
-void FaultHooks::Gate(void* object, size_t slots) {
-    m_hooks.GateInterface(object, slots, Keeper, static_cast<int>(Fault::kPart));
+void FaultHooks::Gate(void* object, size_t slots, Fault kind) {
+    m_hooks.GateInterface(object, slots, Keeper, static_cast<int>(kind));
+}
+
+bool FaultHooks::Meet(Fault kind) {
+    if (kind != g_plan.kind || Host().held || GetCurrentThreadId() != g_thread) return false;
+    const bool fails = ++g_plan.met == g_plan.at || (g_plan.keep && g_plan.met > g_plan.at);
+    g_plan.injected += fails;
+    return fails;
+}
+
+void FaultHooks::Hold(bool hold) {
+    Host().held = hold;
 }
 
 void FaultHooks::Arm(Fault kind, int at, bool keep) {
@@ -214,6 +223,7 @@ FaultPlan FaultHooks::Disarm() {
     }
     g_plan = {};
     Host().Reset();
+    Hold(false);
     return done;
 }
 

@@ -11,6 +11,9 @@ enum class Fault {
     kSettings,       // a call of the host's settings fails
     kSettingsNull,   // or gives null
     kPart,           // a call of another part of the host fails: pages, units, page display
+    kStore,          // a call of the store of settings files fails
+    kConfig,         // a call of the host's configuration object fails
+    kConfigNull,     // or gives null
     kObject,         // an object of a host class cannot be made
     kMemory,         // the module's memory
     kString,         // a BSTR
@@ -48,12 +51,16 @@ public:
     FaultHooks& operator=(const FaultHooks&) = delete;
 
     // All operations of an object's interface can fail from now on.
-    void Gate(void* object, size_t slots);
+    void Gate(void* object, size_t slots, Fault kind = Fault::kPart);
 
     // From now on the n-th chance of the kind fails; on this thread.
     static void Arm(Fault kind, int at, bool keep);
     // No more faults; what came of the last ones.
     static FaultPlan Disarm();
+    // While held, nothing is counted and nothing fails.
+    static void Hold(bool hold);
+    // Whether a chance of this kind that comes up now is to fail.
+    static bool Meet(Fault kind);
     static Holdings Measure();
     // Whether nobody holds the lock of the area sets.
     static bool IsLockFree();

@@ -12,6 +12,7 @@ struct HostControl {
     bool keepFailing = false;
     bool giveNull = false;  // the failing call succeeds but hands out null where it can
     bool copyHalf = false;  // a failing CopyNode has copied the first half
+    bool held = false;      // calls are neither counted nor failed
     int liveObjects = 0;
     HRESULT createSettingsNode = S_OK;  // results of the class factories
     HRESULT createTransfer = S_OK;
@@ -23,6 +24,7 @@ struct HostControl {
     }
     // True when this call is to fail.
     bool Fails() {
+        if (held) return false;
         ++calls;
         return failAt != 0 && (calls == failAt || (keepFailing && calls > failAt));
     }

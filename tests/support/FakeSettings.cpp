@@ -133,11 +133,19 @@ private:
     std::shared_ptr<FakeTree> m_tree;
 };
 
+// As a store with a file has it: a cleared target that gets no copy, because that fails or never comes, is again what
+// it was.
 class FakeTransfer final : public FakeDispatch<ISettingsTransfer> {
 public:
+    ~FakeTransfer() override { PutBack(); }
+
     HRESULT STDMETHODCALLTYPE CopyNode(ISettingsNode* target, ISettingsNode* source) override {
         const bool fails = Host().Fails();
-        if (fails && !Host().copyHalf) return E_FAIL;
+        if (fails && !Host().copyHalf) {
+            PutBack();
+            return E_FAIL;
+        }
+        m_cleared = nullptr;
         const auto copy = TreeOf(source)->Clone();
         if (fails) copy->children.resize(copy->children.size() / 2);
         static_cast<FakeNode*>(target)->Replace(*copy);
@@ -145,9 +153,19 @@ public:
     }
     HRESULT STDMETHODCALLTYPE ClearNode(ISettingsNode* target) override {
         if (Host().Fails()) return E_FAIL;
-        static_cast<FakeNode*>(target)->Replace({});
+        PutBack();
+        m_cleared = TreeOf(target);
+        m_before = std::exchange(*m_cleared, {});
         return S_OK;
     }
+
+private:
+    void PutBack() {
+        if (const auto tree = std::exchange(m_cleared, nullptr)) *tree = std::move(m_before);
+    }
+
+    std::shared_ptr<FakeTree> m_cleared;
+    FakeTree m_before;
 };
 
 }  // namespace
