@@ -4,7 +4,16 @@ TITLES = {"size-sets": "enumerate sets", "size-manage": "open Manage Area Sets, 
           "size-configure": "open Configure Area Set, by areas", "size-areas": "mask a page, by areas",
           "size-pixels": "mask a page, by pixels", "size-shapes": "repaint, by areas"}
 COLOURS = ["#1b6ca8", "#c1440e", "#2e7d32", "#7b1fa2", "#8d6e00", "#444444"]
-WIDTH, HEIGHT, LEFT, TOP, PLOT_WIDTH, PLOT_HEIGHT = 860, 480, 70, 20, 500, 400
+WIDTH, HEIGHT, LEFT, TOP, PLOT_WIDTH, PLOT_HEIGHT = 860, 480, 80, 20, 500, 400
+
+
+def count_text(power):
+    return f"{10 ** power:,}" if power < 6 else f"{10 ** (power - 6):,} M"
+
+
+def time_text(power):
+    """Of 10 ** power milliseconds."""
+    return f"{10.0 ** power:g} ms" if power < 3 else f"{10 ** (power - 3):,} s"
 
 
 def draw(sizes):
@@ -25,11 +34,11 @@ def draw(sizes):
     for power in range(x_ends[0], x_ends[1] + 1):
         x, _ = place(10 ** power, 10 ** y_ends[0])
         parts.append(f'<path d="M{x:.0f} {TOP}V{TOP + PLOT_HEIGHT}" stroke="#ddd"/>'
-                     f'<text x="{x:.0f}" y="{TOP + PLOT_HEIGHT + 18}" text-anchor="middle">{10 ** power:,}</text>')
+                     f'<text x="{x:.0f}" y="{TOP + PLOT_HEIGHT + 18}" text-anchor="middle">{count_text(power)}</text>')
     for power in range(y_ends[0], y_ends[1] + 1):
         _, y = place(10 ** x_ends[0], 10 ** power)
         parts.append(f'<path d="M{LEFT} {y:.0f}H{LEFT + PLOT_WIDTH}" stroke="#ddd"/>'
-                     f'<text x="{LEFT - 8}" y="{y + 4:.0f}" text-anchor="end">{10.0 ** power:g} ms</text>')
+                     f'<text x="{LEFT - 8}" y="{y + 4:.0f}" text-anchor="end">{time_text(power)}</text>')
     for number, (row, line) in enumerate(lines.items()):
         colour = COLOURS[number % len(COLOURS)]
         places = [place(*point) for point in line]
