@@ -246,6 +246,27 @@ void ConfigureFaults::RunPage(HWND dialog) {
                           }));
 }
 
+// A list that has no memory for another row.
+LRESULT CALLBACK RefuseRows(HWND list, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+    return message == LVM_INSERTITEMW ? -1 : DefSubclassProc(list, message, wParam, lParam);
+}
+
+TEST_F(ConfigureFaults, ADrawnAreaWithoutARowDoesNotStayOnThePage) {
+    Press(IDCANCEL, [this] { return Open(); });
+    const auto draw = [this](HWND dialog) {
+        SetWindowSubclass(ListOf(dialog), RefuseRows, 1, 0);
+        for (int i = 0; i < 2; ++i) SendMessageW(PageOf(dialog), WM_KEYDOWN, VK_RETURN, 0);
+        RemoveWindowSubclass(ListOf(dialog), RefuseRows, 1);
+        EXPECT_EQ(TakeHostBoxes().size(), 1u);
+        EXPECT_EQ(RowCount(dialog), 2);
+        ExpectRowsAreThePage(dialog);
+        TakeTraces();
+        Send(dialog, IDCANCEL);
+    };
+    Pilot(
+        draw, [this] { EndFaults(); }, [this] { m_configureSet(m_owner, 1); });
+}
+
 TEST_F(ConfigureFaults, Commands) {
     Press(IDCANCEL, [this] { return Open(); });
     Pilot([this](HWND dialog) { RunAll(dialog); }, [this] { EndFaults(); }, [this] { m_configureSet(m_owner, 1); });
