@@ -56,7 +56,9 @@ private:
     void OnlyEntries(const json& object, const std::string& place, std::initializer_list<const char*> known) const {
         for (const auto& [key, value] : object.items()) {
             if (std::find(known.begin(), known.end(), key) == known.end()) {
-                Fail(place.empty() ? key : place + "." + key, "unknown entry");
+                std::string here = place;
+                if (!here.empty()) here += '.';
+                Fail(here += key, "unknown entry");
             }
         }
     }

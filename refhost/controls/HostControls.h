@@ -16,7 +16,7 @@ struct HostHelpRequest {
     const wchar_t* target;   // what would be opened; empty when there is no guide
 };
 // Nonzero: handled, nothing is opened.
-typedef BOOL(CALLBACK* HostHelpOpener)(const HostHelpRequest* request, void* context);
+using HostHelpOpener = BOOL(CALLBACK*)(const HostHelpRequest* request, void* context);
 
 // Asked before help is opened; null ends that.
 void HostControlsSetHelpOpener(HostHelpOpener opener, void* context);

@@ -20,7 +20,7 @@ HRESULT WINAPI HostOpenDocuments(const wchar_t* const* paths, UINT count, IQuire
 
 // Hears every failure of stacks and page images, once per cause. Null ends it. The text names the file and says what to
 // do.
-typedef void(CALLBACK* HostDocumentsReporter)(void* context, const wchar_t* text);
+using HostDocumentsReporter = void(CALLBACK*)(void* context, const wchar_t* text);
 void WINAPI HostDocumentsSetReporter(HostDocumentsReporter reporter, void* context);
 
 // The last failure's text; never null. Valid until the next call.

@@ -125,7 +125,7 @@ bool RectModel::Undo() {
     if (m_done.empty()) return false;
     Step step = std::move(m_done.back());
     m_done.pop_back();
-    for (auto change = step.rbegin(); change != step.rend(); ++change) Apply(*change, false);
+    std::for_each(step.rbegin(), step.rend(), [this](const Change& change) { Apply(change, false); });
     SelectAfter(step, false);
     m_undone.push_back(std::move(step));
     m_lastStepMayGrow = false;
@@ -147,11 +147,10 @@ bool RectModel::Redo() {
 
 // Shows the user what came back or changed, unless it was selected anyway.
 void RectModel::SelectAfter(const Step& step, bool forward) {
-    for (auto change = step.rbegin(); change != step.rend(); ++change) {
-        if (!(forward ? change->after : change->before)) continue;
-        if (!IsSelected(change->id)) SetSelection({change->id});
-        return;
-    }
+    const auto last = std::find_if(step.rbegin(), step.rend(), [forward](const Change& change) {
+        return (forward ? change.after : change.before).has_value();
+    });
+    if (last != step.rend() && !IsSelected(last->id)) SetSelection({last->id});
 }
 
 void RectModel::SetSelection(std::vector<int32_t> selection) {

@@ -58,7 +58,7 @@ constexpr HRESULT kSettingsChanged = static_cast<HRESULT>(0x8007051A);    // ERR
 constexpr HRESULT kSettingsBusy = static_cast<HRESULT>(0x80070021);       // ERROR_LOCK_VIOLATION
 
 constexpr int kSettingsMaxDepth = 100;
-constexpr unsigned kSettingsMaxFileSize = 64u << 20;
+constexpr unsigned kSettingsMaxFileSize = 64U << 20;
 
 // Lists the values of a node; nodes of this store have it, and others can have it to be copied in full.
 struct IHostSettingsList : IUnknown {
@@ -85,7 +85,7 @@ extern "C" {
 // Called at each step of a commit, for hosts that want to know when the file was written, and for tests of what happens
 // when the process ends or the disk fails just there. 0 goes
 // on, a Win32 error code makes the step fail with it (after kHostStepSwapped it has no effect).
-typedef DWORD(CALLBACK* HostSettingsStep)(int step, void* context);
+using HostSettingsStep = DWORD(CALLBACK*)(int step, void* context);
 
 // The root node of a file; the caller owns the reference. Fails with null in *root.
 HRESULT HostSettingsOpenFile(const wchar_t* path, ISettingsNode** root);

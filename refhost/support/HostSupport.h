@@ -20,7 +20,7 @@ struct HostTrace {
     HINSTANCE instance;
 };
 // The pointers are good during the call. Calls come one at a time.
-typedef void(CALLBACK* HostTraceObserver)(const HostTrace* trace, void* context);
+using HostTraceObserver = void(CALLBACK*)(const HostTrace* trace, void* context);
 
 // Appends one line per trace to a file (UTF-8): time, severity, source, line, text. A file beyond 4 MiB is put aside as
 // "<path>.old" first. Null ends logging to a file. Returns 0 when the file cannot be opened (GetLastError tells why).
@@ -40,7 +40,7 @@ struct HostBox {
     UINT style;
 };
 // The button that answers the box (IDOK ...), or 0 to have it shown.
-typedef int(CALLBACK* HostBoxAnswerer)(const HostBox* box, void* context);
+using HostBoxAnswerer = int(CALLBACK*)(const HostBox* box, void* context);
 
 // Asked before any box of the support or the controls library is shown; null ends that.
 void HostSupportSetBoxAnswerer(HostBoxAnswerer answerer, void* context);

@@ -87,7 +87,7 @@ bool CellEditor::OpenChoice(HWND list, const EditorContent& content) {
     m_window = CreateChild(list, WC_COMBOBOXW, {}, CBS_DROPDOWNLIST | WS_VSCROLL, kEditorId);
     if (m_window == nullptr) return false;
     SendMessageW(m_window, WM_SETFONT, static_cast<WPARAM>(SendMessageW(list, WM_GETFONT, 0, 0)), FALSE);
-    WPARAM selected = static_cast<WPARAM>(-1);
+    auto selected = static_cast<WPARAM>(-1);
     for (size_t choice = 0; choice < content.choices->size(); ++choice) {
         const std::wstring& text = (*content.choices)[choice];
         if (SendMessageW(m_window, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str())) < 0) return false;
