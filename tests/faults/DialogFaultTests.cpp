@@ -8,6 +8,7 @@ using namespace test;
 constexpr const wchar_t* kNotRead = L"2 #34106\n";
 constexpr const wchar_t* kNotOpened = L"2 #34108\n";
 constexpr const wchar_t* kNotStored = L"2 #34213\n";
+constexpr const wchar_t* kNoPreview = L"6 CSAMgrConfigDlg::OnInitDialog: m_ctrlPreview.SubclassControl failed.\n";
 
 using ExportDialogFaults = DialogFaults;
 
@@ -28,7 +29,7 @@ TEST_F(ExportDialogFaults, ManageAreaSets) {
         Run({name,
              [&, button = button] { return PressAfter(before, button, [this] { return Open(); }) != FALSE; },
              [] {},
-             {kNotOpened, kNotRead, kNotStored},
+             {kNotOpened, kNotRead, kNotStored, kNoPreview},
              true,
              true},
             kDialogKinds);

@@ -101,7 +101,7 @@ TEST_F(FileFaults, ManageAreaSets) {
         Run({button == IDOK ? "SAConfigure, OK over a file" : "SAConfigure, Cancel over a file",
              [&] { return PressAfter(create, button, [this] { return Open(); }) != FALSE; },
              [] {},
-             {L"2 #34108\n", L"2 #34106\n", L"2 #34213\n"},
+             {L"2 #34108\n", L"2 #34106\n", L"2 #34213\n", L"m_ctrlPreview.SubclassControl failed."},
              true,
              true},
             {Fault::kStore, Fault::kMemory, Fault::kString, Fault::kObject, Fault::kWindow, Fault::kLockAbandoned,
