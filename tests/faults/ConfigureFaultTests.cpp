@@ -134,7 +134,7 @@ protected:
         m_lastId = 2;
         m_firstPage = TextOf(dialog, IDC_CONFIG_SIZE);
         RunButtons(dialog);
-        RunViews(dialog);
+        if (!m_indexing) RunViews(dialog);
         RunList(dialog);
         RunPage(dialog);
     }
