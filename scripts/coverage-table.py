@@ -29,17 +29,22 @@ for text in sys.stdin:
         number, _, _, count = value.split(",")
         lines[name].setdefault(int(number), [1, []])[1].append(0 if count == "-" else int(count))
 
-# Stretches of lines that are not reached, and lines whose conditions go one way only.
+# Stretches of lines that are not reached, and lines whose conditions go one way only. A brace alone is no code, but is
+# counted as not reached behind a break.
 gaps = []
 for name in sorted(lines):
-    previous = None
+    source = open(root + name).read().split("\n")
+    lines[name] = {number: line for number, line in lines[name].items() if source[number - 1].strip() != "}"}
+    stretch = None
     for number, (count, branches) in sorted(lines[name].items()):
-        if count == 0 and previous and previous["end"] == number - 1 and previous["what"] == "not reached":
-            previous["end"] = number
-        elif count == 0 or 0 in branches:
+        if count == 0 and stretch:
+            stretch["end"] = number
+            continue
+        stretch = None
+        if count == 0 or 0 in branches:
             what = f"{branches.count(0)} of {len(branches)} branches not taken" if count else "not reached"
-            previous = {"file": name, "line": number, "end": number, "what": what, "reason": None}
-            gaps.append(previous)
+            gaps.append({"file": name, "line": number, "end": number, "what": what, "reason": None})
+            stretch = gaps[-1] if count == 0 else None
 for name in sorted(set(filter(None, map(inside, compiled))) - set(lines)):
     gaps.append({"file": name, "line": 1, "end": 1, "what": "in no test program", "reason": None})
 

@@ -46,7 +46,7 @@ const Format kFormats[] = {
 const Format kOtherFormat = {GUID_WICPixelFormat32bppBGRA, 32, 24, BgraToBgr, Palette::kNone};
 
 const Format& FormatOf(const GUID& wic) {
-    const auto found = std::ranges::find_if(kFormats, [&](const Format& format) { return format.wic == wic; });
+    const auto* const found = std::ranges::find_if(kFormats, [&](const Format& format) { return format.wic == wic; });
     return found == std::end(kFormats) ? kOtherFormat : *found;
 }
 

@@ -23,7 +23,7 @@ Overloaded(Visitors...) -> Overloaded<Visitors...>;
 
 void AppendInteger(std::string& text, int64_t value) {
     char digits[24];
-    const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+    auto* const end = std::to_chars(digits, digits + sizeof digits, value).ptr;
     text.append(digits, end);
 }
 
