@@ -192,7 +192,8 @@ TEST_F(PersistenceTest, LoadsOncePerCycleAndReportsAFailureOnce) {
     EXPECT_EQ(m_manager.GetCount(), 1);
 }
 
-// A set that was read by half for want of memory must not pass for what is stored: the next commit would store the half.
+// A set that was read by half for want of memory must not pass for what is stored: the next commit would store the
+// half.
 TEST_F(PersistenceTest, WithoutMemoryNoSetIsTakenForRead) {
     Add(L"a", 1, {{1, 2, 3, 4}, {5, 6, 7, 8}})->SetDisplayRect({0, 0, 10, 10});
     m_manager.StoreSettings();
