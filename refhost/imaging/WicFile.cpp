@@ -111,8 +111,9 @@ IWICBitmapDecoderPtr OwnDecoder(FileKind kind, IWICStream* stream) {
                                &CLSID_WICTiffDecoder};
     const CLSID* id = decoders[static_cast<size_t>(kind)];
     IWICBitmapDecoderPtr decoder;
-    if (id == nullptr || FAILED(decoder.CreateInstance(*id, nullptr, CLSCTX_INPROC_SERVER))) return nullptr;
-    return SUCCEEDED(decoder->Initialize(stream, WICDecodeMetadataCacheOnDemand)) ? decoder : nullptr;
+    if (id == nullptr || FAILED(decoder.CreateInstance(*id, nullptr, CLSCTX_INPROC_SERVER))) return {};
+    if (FAILED(decoder->Initialize(stream, WICDecodeMetadataCacheOnDemand))) return {};
+    return decoder;
 }
 
 std::vector<uint8_t> ReadWholeFile(const wchar_t* path) {

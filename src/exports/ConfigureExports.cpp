@@ -1,4 +1,5 @@
 // The exports that open "Configure Area Set": for one stored set, and for the host's indexing fields.
+#include <algorithm>
 #include <memory>
 #include <new>
 
@@ -124,6 +125,7 @@ void TakeFields(const SAIndexField* fields, int count, CAreaSet& set, std::vecto
 void GiveFields(CSASetConfigDlg& dialog, SAIndexField* fields, int count) {
     // All or none: a name may find no memory.
     std::vector<PageRect> rects;
+    rects.reserve(static_cast<size_t>(std::max(count, 0)));
     for (int i = 0; i < count; ++i) rects.push_back(dialog.GetFieldRect(NameOf(fields[i])));
     for (int i = 0; i < count; ++i) {
         const PageRect rect = rects[static_cast<size_t>(i)];

@@ -11,11 +11,13 @@ bool g_refuseNext = false;
 
 }  // namespace
 
-// The linker leads the runtime's calls of malloc here (option --wrap).
+// The linker leads the runtime's calls of malloc here (option --wrap), by these names.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" void* __real_malloc(size_t size);
 extern "C" void* __wrap_malloc(size_t size) {
     return std::exchange(g_refuseNext, false) ? nullptr : __real_malloc(size);
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace exports {
 
