@@ -263,13 +263,16 @@ TEST_F(ConfigureFaults, ADrawnAreaWithoutARowDoesNotStayOnThePage) {
         TakeTraces();
         Send(dialog, IDCANCEL);
     };
-    Pilot(
-        draw, [this] { EndFaults(); }, [this] { m_configureSet(m_owner, 1); });
+    EXPECT_NE(Pilot(
+                  draw, [this] { EndFaults(); }, [this] { m_configureSet(m_owner, 1); }),
+              Flight::kNone);
 }
 
 TEST_F(ConfigureFaults, Commands) {
     Press(IDCANCEL, [this] { return Open(); });
-    Pilot([this](HWND dialog) { RunAll(dialog); }, [this] { EndFaults(); }, [this] { m_configureSet(m_owner, 1); });
+    EXPECT_NE(
+        Pilot([this](HWND dialog) { RunAll(dialog); }, [this] { EndFaults(); }, [this] { m_configureSet(m_owner, 1); }),
+        Flight::kNone);
 }
 
 TEST_F(ConfigureFaults, CommandsWithFields) {
@@ -277,7 +280,8 @@ TEST_F(ConfigureFaults, CommandsWithFields) {
     m_remembers = true;  // the fields of removed areas, for undo
     const auto field = [](int i) { return Field(kFields[i], kRects[i]); };
     std::vector<SAIndexField> fields = {field(0), field(1), Field(kFields[2])};
-    Pilot([this](HWND dialog) { RunAll(dialog); }, [this] { EndFaults(); }, [&] { OpenPage(fields); });
+    EXPECT_NE(Pilot([this](HWND dialog) { RunAll(dialog); }, [this] { EndFaults(); }, [&] { OpenPage(fields); }),
+              Flight::kNone);
 }
 
 }  // namespace

@@ -189,6 +189,7 @@ bool FaultLoop::Once(const Operation& operation, Fault kind, int n, bool keep, T
     const bool met = m_done.met >= n;
     if (!met) {
         EXPECT_TRUE(succeeded) << "without a fault";
+        EXPECT_EQ(m_flight == Flight::kClosed, operation.dialog) << "its dialog did not come up";
     }
     tally.met = std::max(tally.met, m_done.met);
     tally.injected += m_done.injected;

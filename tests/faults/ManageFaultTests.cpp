@@ -156,11 +156,13 @@ void ManageFaults::RunOpeningCommands(HWND dialog) {
 }
 
 TEST_F(ManageFaults, CommandsOfTheList) {
-    Pilot([this](HWND dialog) { RunListCommands(dialog); }, [this] { EndFaults(); }, [this] { Open(); });
+    EXPECT_NE(Pilot([this](HWND dialog) { RunListCommands(dialog); }, [this] { EndFaults(); }, [this] { Open(); }),
+              Flight::kNone);
 }
 
 TEST_F(ManageFaults, CommandsThatOpenDialogs) {
-    Pilot([this](HWND dialog) { RunOpeningCommands(dialog); }, [this] { EndFaults(); }, [this] { Open(); });
+    EXPECT_NE(Pilot([this](HWND dialog) { RunOpeningCommands(dialog); }, [this] { EndFaults(); }, [this] { Open(); }),
+              Flight::kNone);
 }
 
 }  // namespace
