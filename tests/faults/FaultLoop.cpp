@@ -48,7 +48,7 @@ bool EveryChance() {
 // The next chance that fails: each of the first ones, then ever fewer; a dialog takes long to open.
 int Next(int n, bool dialog) {
     if (EveryChance()) return n + 1;
-    return dialog ? n * 2 : n + 1 + n / 40;
+    return dialog ? n * 2 : n + 1 + n / 10;
 }
 
 // Without any memory there is a trace alone: the text of a box needs some.

@@ -143,7 +143,7 @@ void ManageFaults::RunOpeningCommands(HWND dialog) {
     const auto send = [=](UINT id) { return [=] { Send(dialog, id); }; };
     RunCommand(dialog, Opening("Manage: Settings, OK", dialog, IDOK, send(IDC_MANAGE_SETTINGS)), kDialogKinds);
     RunCommand(dialog, Opening("Manage: Settings, Cancel", dialog, IDCANCEL, send(IDC_MANAGE_SETTINGS)), kFewKinds);
-    RunCommand(dialog, Opening("Manage: Configure, OK", dialog, IDOK, send(IDC_MANAGE_CONFIGURE)), kDialogKinds);
+    RunCommand(dialog, Opening("Manage: Configure, OK", dialog, IDOK, send(IDC_MANAGE_CONFIGURE)), kFewKinds);
     RunCommand(dialog, Opening("Manage: Configure, Cancel", dialog, IDCANCEL, send(IDC_MANAGE_CONFIGURE)),
                kDialogKinds);
     Command command = Opening("Manage: Double click", dialog, IDCANCEL, [=] {
