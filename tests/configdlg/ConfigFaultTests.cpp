@@ -237,7 +237,7 @@ TEST_F(ConfigFaults, AnAreaWithoutARowDoesNotStayOnThePage) {
 TEST_F(ConfigFaults, AnAreaAddedWithoutUnitsHasARowThatWorks) {
     const std::function<void(HWND)> adds[] = {[](HWND dialog) { Push(dialog, IDC_CONFIG_ADD); },
                                               [](HWND dialog) {
-                                                  const FoliumRect rect = {100, 200, 300, 400};
+                                                  const FoliumRect rect = {0, 0, 100, 200, 300, 400};
                                                   LONG id = 0;
                                                   FoliumOf(dialog)->InsertRect(&rect, &id);
                                               }};
