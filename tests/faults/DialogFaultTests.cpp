@@ -5,7 +5,6 @@ namespace {
 
 using namespace test;
 
-constexpr const wchar_t* kNotRead = L"2 #34106\n";
 constexpr const wchar_t* kNotOpened = L"2 #34108\n";
 constexpr const wchar_t* kNotStored = L"2 #34213\n";
 constexpr const wchar_t* kNoPreview = L"6 CSAMgrConfigDlg::OnInitDialog: m_ctrlPreview.SubclassControl failed.\n";

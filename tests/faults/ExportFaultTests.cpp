@@ -8,7 +8,6 @@ namespace {
 using namespace test;
 
 constexpr const wchar_t* kLoadFailed = L"6 CAreaSetManager::LoadSettings failed\n";
-constexpr const wchar_t* kNotRead = L"2 #34106\n";
 
 class ExportFaults : public FaultLoop {};
 

@@ -14,6 +14,8 @@
 
 namespace test {
 
+inline constexpr const wchar_t* kNotRead = L"2 #34106\n";  // a trace: the settings were not read
+
 struct Operation {
     const char* name;
     // The call itself, with faults; its result.
