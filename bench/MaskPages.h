@@ -29,8 +29,8 @@ struct MaskPage {
     // `areas` 0: those of the letter.
     MaskPage(uint32_t width, uint32_t height, uint32_t bits, bool keep, int areas = 0) : image(width, height, bits) {
         image.resolution = {width / 8.27, height / 11.69};
-        if (bits == 1) image.palette = imaging::BlackWhitePalette();
-        if (bits == 8) image.palette = imaging::GreyPalette();
+        if (bits == 1) image.palette = reader::BlackWhitePalette();
+        if (bits == 8) image.palette = reader::GreyPalette();
         uint32_t value = 12345;
         for (size_t i = 0; i < image.Size(); ++i) {
             value = value * 1664525 + 1013904223;
@@ -38,7 +38,7 @@ struct MaskPage {
         }
         mask = imaging::MakeMask(image, keep, AreasOf(areas));
     }
-    imaging::Bitmap image;
+    reader::Bitmap image;
     imaging::Mask mask;
 };
 

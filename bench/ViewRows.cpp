@@ -22,8 +22,8 @@ namespace {
 using win32::ComPtr;
 
 // Lines of "text" with soft edges over a slightly uneven paper, as scanned.
-std::shared_ptr<imaging::Bitmap> TextPage(uint32_t dpi) {
-    auto page = std::make_shared<imaging::Bitmap>(dpi * 827 / 100, dpi * 1169 / 100, 24);
+std::shared_ptr<reader::Bitmap> TextPage(uint32_t dpi) {
+    auto page = std::make_shared<reader::Bitmap>(dpi * 827 / 100, dpi * 1169 / 100, 24);
     page->resolution = {static_cast<double>(dpi), static_cast<double>(dpi)};
     for (uint32_t y = 0; y < page->Height(); ++y) {
         uint8_t* row = page->Row(y);
@@ -41,12 +41,12 @@ std::shared_ptr<imaging::Bitmap> TextPage(uint32_t dpi) {
     return page;
 }
 
-folium::PageSource SourceOf(const imaging::Bitmap& page) {
+folium::PageSource SourceOf(const reader::Bitmap& page) {
     return {page.Width(), page.Height(), page.Bits(), nullptr, page.Row(0), -static_cast<ptrdiff_t>(page.Stride())};
 }
 
 // The average of what lies under each pixel, in double precision: blue, green and red.
-std::vector<double> Reference(const imaging::Bitmap& page, uint32_t width, uint32_t height) {
+std::vector<double> Reference(const reader::Bitmap& page, uint32_t width, uint32_t height) {
     std::vector<double> result(size_t{width} * height * 3);
     const double across = double(page.Width()) / width, down = double(page.Height()) / height;
     for (uint32_t y = 0; y < height; ++y) {
@@ -204,7 +204,7 @@ void Repaint() {
 
 namespace {
 
-std::vector<uint8_t> PngOf(std::shared_ptr<const imaging::Bitmap> page) {
+std::vector<uint8_t> PngOf(std::shared_ptr<const reader::Bitmap> page) {
     const imaging::Image image(std::move(page));
     std::vector<uint8_t> bmp(image.BmpSize());
     image.WriteBmp(bmp.data());

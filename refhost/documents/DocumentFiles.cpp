@@ -6,7 +6,7 @@
 
 #include "refhost/documents/PageFiles.h"
 #include "refhost/documents/Report.h"
-#include "refhost/imaging/Tiff.h"
+#include "refhost/reader/Tiff.h"
 
 namespace documents {
 
@@ -43,7 +43,7 @@ uint32_t CountFrames(const std::wstring& path) {
                                    nullptr, OPEN_EXISTING, FILE_FLAG_RANDOM_ACCESS, nullptr);
     if (raw == INVALID_HANDLE_VALUE) return 1;
     const std::unique_ptr<void, CloseFile> file(raw);
-    const uint32_t frames = imaging::CountTiffFrames([&](uint32_t offset, uint8_t* to, size_t size) {
+    const uint32_t frames = reader::CountTiffFrames([&](uint32_t offset, uint8_t* to, size_t size) {
         OVERLAPPED at = {};
         at.Offset = offset;
         DWORD read = 0;

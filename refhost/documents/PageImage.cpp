@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "refhost/documents/Report.h"
-#include "refhost/imaging/Resolution.h"
+#include "refhost/reader/Resolution.h"
 
 namespace documents {
 
@@ -65,7 +65,7 @@ HRESULT PageImage::LoadFromMemory(const BYTE* bytes, LONG length) noexcept {
                     rows.stride,
                     info.dpiX,
                     info.dpiY,
-                    {imaging::TenthsOfPixels(info.width, info.dpiX), imaging::TenthsOfPixels(info.height, info.dpiY)}};
+                    {reader::TenthsOfPixels(info.width, info.dpiX), reader::TenthsOfPixels(info.height, info.dpiY)}};
         return S_OK;
     });
 }
@@ -73,9 +73,9 @@ HRESULT PageImage::LoadFromMemory(const BYTE* bytes, LONG length) noexcept {
 HRESULT PageImage::CreateBlank(LONG width, LONG height, LONG xResolution, LONG yResolution, LONG) noexcept {
     if (width <= 0 || height <= 0) return E_INVALIDARG;
     return com::Guard([&] {
-        const imaging::Resolution dpi = imaging::ResolveResolution(0, 0, xResolution, yResolution);
-        const imaging::PixelRange x = imaging::PixelsTouched(0, width, dpi.x, kHostMaxImageSide + 1);
-        const imaging::PixelRange y = imaging::PixelsTouched(0, height, dpi.y, kHostMaxImageSide + 1);
+        const reader::Resolution dpi = reader::ResolveResolution(0, 0, xResolution, yResolution);
+        const reader::PixelRange x = reader::PixelsTouched(0, width, dpi.x, kHostMaxImageSide + 1);
+        const reader::PixelRange y = reader::PixelsTouched(0, height, dpi.y, kHostMaxImageSide + 1);
         if (x.end > kHostMaxImageSide || y.end > kHostMaxImageSide) return E_INVALIDARG;
         m_blankRow.assign((size_t{x.end} + 31) / 32 * 4, 0);
         m_image.reset();

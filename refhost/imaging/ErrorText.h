@@ -8,7 +8,7 @@
 #include <new>
 #include <string_view>
 
-#include "refhost/imaging/Bitmap.h"
+#include "refhost/reader/Bitmap.h"
 
 namespace imaging {
 
@@ -28,7 +28,7 @@ int Guard(std::wstring_view subject, Body body, Doing doing = Doing::kReading) n
         try {
             body();
             return 1;
-        } catch (const ImageError& error) {
+        } catch (const reader::ImageError& error) {
             SetErrorText(subject, error.text);
         } catch (const _com_error& error) {
             SetErrorStatus(subject, error.Error(), doing);

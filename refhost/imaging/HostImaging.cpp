@@ -15,14 +15,14 @@ namespace {
 using imaging::Doing;
 using imaging::Guard;
 using imaging::Image;
-using imaging::ImageError;
 using imaging::ImageFile;
 using imaging::LiveImages;
 using imaging::Output;
+using reader::ImageError;
 using ImagePtr = std::shared_ptr<const Image>;
 
-static_assert(sizeof(imaging::Area) == sizeof(RECT) && kHostMaxImageSide == imaging::kMaxSide &&
-              kHostMaxImageBytes == imaging::kMaxPixelBytes);
+static_assert(sizeof(imaging::Area) == sizeof(RECT) && kHostMaxImageSide == reader::kMaxSide &&
+              kHostMaxImageBytes == reader::kMaxPixelBytes);
 
 constexpr int kCopyBmp = 4;
 
@@ -112,6 +112,14 @@ int HostLoadFrame(void* file, uint32_t frame, double dpiX, double dpiY, void** i
     });
 }
 
+int HostGetFrameSize(void* file, uint32_t frame, HostFrameSize* size) {
+    const auto* opened = static_cast<const ImageFile*>(file);
+    return Guard(opened == nullptr ? L"" : opened->Name(), [&] {
+        Require(opened != nullptr && size != nullptr, kNullArgument);
+        *size = opened->Size(frame);
+    });
+}
+
 int HostCopyFrameBytes(void* file, uint32_t frame, void** block, size_t* length) {
     const auto* opened = static_cast<const ImageFile*>(file);
     return Guard(opened == nullptr ? L"" : opened->Name(), [&] {
@@ -142,7 +150,7 @@ int HostGetImageInfo(void* image, HostImageInfo* info) {
     return Guard(L"", [&] {
         Require(info != nullptr, kNullArgument);
         const ImagePtr found = Live().Find(image);
-        const imaging::Bitmap& bitmap = found->Geometry();
+        const reader::Bitmap& bitmap = found->Geometry();
         *info = {bitmap.Width(),      bitmap.Height(),    bitmap.Bits(), bitmap.resolution.assumed ? 1u : 0u,
                  bitmap.resolution.x, bitmap.resolution.y};
     });
@@ -151,7 +159,7 @@ int HostGetImageInfo(void* image, HostImageInfo* info) {
 int HostGetImagePixels(void* image, HostImagePixels* pixels) {
     return Guard(L"", [&] {
         Require(pixels != nullptr, kNullArgument);
-        const std::shared_ptr<const imaging::Bitmap> bitmap = Live().Find(image)->Pixels();
+        const std::shared_ptr<const reader::Bitmap> bitmap = Live().Find(image)->Pixels();
         *pixels = {bitmap->Row(0), -static_cast<ptrdiff_t>(bitmap->Stride()),
                    bitmap->palette.empty() ? nullptr : bitmap->palette.data(),
                    static_cast<uint32_t>(bitmap->palette.size())};

@@ -46,6 +46,15 @@ struct HostImageInfo {
     double dpiY;
 };
 
+// What a frame's headers tell before its pixels are decoded.
+struct HostFrameSize {
+    uint32_t width;         // pixels of the image that HostLoadFrame makes
+    uint32_t height;        // pixels
+    uint32_t bitsPerPixel;  // 1, 8, 24 or 32
+    uint64_t imageBytes;    // memory of that image
+    uint64_t workingBytes;  // what decoding holds beside it meanwhile, at most
+};
+
 // The decoded pixels of an image, for reading while the handle lives.
 struct HostImagePixels {
     const uint8_t* topRow;    // row y starts at topRow + y * stride
@@ -63,6 +72,8 @@ int HostOpenImageMemory(const void* bytes, size_t length, void** file, uint32_t*
 void HostCloseImageFile(void* file);
 // Decodes the frame at a 0-based index. dpiX and dpiY override the resolution where they are above 0.
 int HostLoadFrame(void* file, uint32_t frame, double dpiX, double dpiY, void** image);
+// The size of the frame at a 0-based index, without decoding it.
+int HostGetFrameSize(void* file, uint32_t frame, HostFrameSize* size);
 // The frame as an encoded image of its own, losslessly: the file's bytes, or for one frame of a TIFF a TIFF with just
 // that frame. The block is to be released with HostFreeBlock.
 int HostCopyFrameBytes(void* file, uint32_t frame, void** block, size_t* length);

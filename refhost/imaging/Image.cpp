@@ -3,7 +3,7 @@
 #include <array>
 #include <cstring>
 
-#include "refhost/imaging/Bytes.h"
+#include "refhost/reader/Bytes.h"
 
 namespace imaging {
 

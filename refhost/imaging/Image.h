@@ -9,8 +9,8 @@
 #include <span>
 #include <vector>
 
-#include "refhost/imaging/Bitmap.h"
 #include "refhost/imaging/Mask.h"
+#include "refhost/reader/Bitmap.h"
 
 namespace imaging {
 

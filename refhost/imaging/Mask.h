@@ -8,9 +8,11 @@
 #include <span>
 #include <vector>
 
-#include "refhost/imaging/Bitmap.h"
+#include "refhost/reader/Bitmap.h"
 
 namespace imaging {
+
+using namespace reader;  // pages as they are read are what is masked
 
 // An area in tenths of a millimetre on the page.
 struct Area {

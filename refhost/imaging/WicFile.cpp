@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "refhost/imaging/FileFacts.h"
 #include "refhost/imaging/HostImaging.h"
 #include "refhost/imaging/RowConvert.h"
-#include "refhost/imaging/Tiff.h"
+#include "refhost/reader/FileFacts.h"
+#include "refhost/reader/Tiff.h"
 
 namespace imaging {
 
@@ -189,6 +189,20 @@ void ImageFile::CheckFrame(uint32_t frame) const {
     if (frame < m_frames) return;
     throw ImageError{L"there is no page " + std::to_wstring(frame + uint64_t{1}) + L"; the file has " +
                      std::to_wstring(m_frames)};
+}
+
+HostFrameSize ImageFile::Size(uint32_t frame) const {
+    CheckFrame(frame);
+    IWICBitmapFrameDecodePtr decoded;
+    Check(m_decoder->GetFrame(frame, &decoded));
+    HostFrameSize size = {};
+    Check(decoded->GetSize(&size.width, &size.height));
+    GUID wic = {};
+    Check(decoded->GetPixelFormat(&wic));
+    size.bitsPerPixel = FormatOf(wic).bits;
+    size.imageBytes = (uint64_t{size.width} * size.bitsPerPixel + 31) / 32 * 4 * size.height;
+    size.workingBytes = 2 * size.imageBytes;
+    return size;
 }
 
 std::shared_ptr<const Bitmap> ImageFile::Decode(uint32_t frame, double dpiX, double dpiY) const {

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "refhost/imaging/HostImaging.h"
 #include "refhost/imaging/Image.h"
 
 namespace imaging {
@@ -39,6 +40,7 @@ public:
     // The file's path, or a word for bytes from memory.
     const std::wstring& Name() const { return m_name; }
     uint32_t Frames() const { return m_frames; }
+    HostFrameSize Size(uint32_t frame) const;
     std::shared_ptr<const Bitmap> Decode(uint32_t frame, double dpiX, double dpiY) const;
 
     std::span<const uint8_t> Bytes() const { return m_bytes; }

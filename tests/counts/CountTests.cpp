@@ -137,7 +137,7 @@ TEST_F(Counts, EachQueryTakesTheLockOnce) {
 // An image by the last of many sets: one hold of the lock, and one block for the masked pixels besides the caller's.
 TEST_F(Counts, CreateAreaSetImageAmongManySets) {
     Use(10000, 1);
-    auto page = std::make_shared<imaging::Bitmap>(1240, 1754, 24);
+    auto page = std::make_shared<reader::Bitmap>(1240, 1754, 24);
     page->resolution = {150, 150};
     std::fill_n(page->Data(), page->Size(), uint8_t{0});
     const imaging::Image source(page);

@@ -2,16 +2,16 @@
 #include <cstring>
 
 #include "fuzz/Targets.h"
-#include "refhost/imaging/FileFacts.h"
 #include "refhost/imaging/Image.h"
 #include "refhost/imaging/Mask.h"
-#include "refhost/imaging/Tiff.h"
+#include "refhost/reader/FileFacts.h"
+#include "refhost/reader/Tiff.h"
 
 namespace fuzz {
 namespace {
 
 using imaging::Area;
-using imaging::Bitmap;
+using reader::Bitmap;
 
 constexpr uint32_t kBits[] = {1, 8, 24, 32};
 
@@ -20,8 +20,8 @@ Bitmap MakeImage(Input& input) {
     const uint32_t bits = kBits[input.Byte() % 4];
     Bitmap image(1 + input.Byte() % 100, 1 + input.Byte() % 40, bits);
     image.resolution = {10.0 + input.Byte() * 3, 10.0 + input.Byte() * 3 + input.Byte() / 256.0, false};
-    if (bits == 1) image.palette = imaging::BlackWhitePalette();
-    if (bits == 8) image.palette = imaging::GreyPalette();
+    if (bits == 1) image.palette = reader::BlackWhitePalette();
+    if (bits == 8) image.palette = reader::GreyPalette();
     std::memset(image.Data(), 0, image.Size());
     return image;
 }
@@ -40,18 +40,18 @@ std::vector<uint8_t> Masked(const Bitmap& image, bool keep, const std::vector<Ar
 
 bool IsCovered(const Bitmap& image, const std::vector<Area>& areas, uint32_t x, uint32_t y) {
     for (const Area& area : areas) {
-        const auto across = imaging::PixelsTouched(area.left, area.right, image.resolution.x, image.Width());
-        const auto down = imaging::PixelsTouched(area.top, area.bottom, image.resolution.y, image.Height());
+        const auto across = reader::PixelsTouched(area.left, area.right, image.resolution.x, image.Width());
+        const auto down = reader::PixelsTouched(area.top, area.bottom, image.resolution.y, image.Height());
         if (across.begin <= x && x < across.end && down.begin <= y && y < down.end) return true;
     }
     return false;
 }
 
-void CheckFrame(std::span<const uint8_t> file, const imaging::TiffDirectory& frame) {
-    const std::vector<uint8_t> alone = imaging::ExtractTiffFrame(file, frame);
+void CheckFrame(std::span<const uint8_t> file, const reader::TiffDirectory& frame) {
+    const std::vector<uint8_t> alone = reader::ExtractTiffFrame(file, frame);
     if (alone.empty()) return;
     Require(alone.size() <= 8 * file.size() + 64, "a frame taken out is not larger than its file by much");
-    const auto again = imaging::TiffFrame(alone, 0);
+    const auto again = reader::TiffFrame(alone, 0);
     Require(again && again->IsWhole() && again->Next() == 0, "a frame taken out is a file of its own");
     Require(again->DpiX() == frame.DpiX() && again->DpiY() == frame.DpiY(), "it keeps its resolution");
 }
@@ -66,7 +66,7 @@ void CheckBmp(std::span<const uint8_t> file) {
         Require(again->Width() == bitmap->Width() && again->Height() == bitmap->Height() &&
                     std::memcmp(again->Data(), bitmap->Data(), bitmap->Size()) == 0,
                 "an image reads back from a BMP file");
-    } catch (const imaging::ImageError& error) {
+    } catch (const reader::ImageError& error) {
         Require(!error.text.empty(), "a refused image says why");
     }
 }
@@ -92,18 +92,18 @@ void image_header(Input input) {
     const uint32_t frame = input.Byte() % 4;
     const std::string_view rest = input.Rest();
     const std::span file(reinterpret_cast<const uint8_t*>(rest.data()), rest.size());
-    const imaging::FileFacts facts = imaging::ReadFileFacts(file, frame);
+    const reader::FileFacts facts = reader::ReadFileFacts(file, frame);
     Require(facts.dpiX >= 0 && facts.dpiY >= 0, "a resolution is no negative number");
-    const auto used = imaging::ResolveResolution(facts.dpiX, facts.dpiY, 0, 0);
-    Require(imaging::IsPossibleDpi(used.x) && imaging::IsPossibleDpi(used.y), "a resolution in use is possible");
+    const auto used = reader::ResolveResolution(facts.dpiX, facts.dpiY, 0, 0);
+    Require(reader::IsPossibleDpi(used.x) && reader::IsPossibleDpi(used.y), "a resolution in use is possible");
 
-    const uint32_t frames = imaging::CountTiffFrames([&](uint32_t offset, uint8_t* to, size_t size) {
+    const uint32_t frames = reader::CountTiffFrames([&](uint32_t offset, uint8_t* to, size_t size) {
         if (offset > file.size() || file.size() - offset < size) return false;
         std::memcpy(to, file.data() + offset, size);
         return true;
     });
-    Require(frames == 0 || imaging::IsTiff(file), "only a TIFF file has frames");
-    if (const auto directory = imaging::TiffFrame(file, frame)) CheckFrame(file, *directory);
+    Require(frames == 0 || reader::IsTiff(file), "only a TIFF file has frames");
+    if (const auto directory = reader::TiffFrame(file, frame)) CheckFrame(file, *directory);
     CheckBmp(file);
 }
 

@@ -6,10 +6,10 @@
 #include <limits>
 
 #include "imaging/TestImage.h"
-#include "refhost/imaging/Bytes.h"
-#include "refhost/imaging/FileFacts.h"
 #include "refhost/imaging/Image.h"
-#include "refhost/imaging/Tiff.h"
+#include "refhost/reader/Bytes.h"
+#include "refhost/reader/FileFacts.h"
+#include "refhost/reader/Tiff.h"
 
 using namespace imaging;
 

@@ -14,7 +14,7 @@
 
 namespace {
 
-using imaging::Bitmap;
+using reader::Bitmap;
 
 const std::string kData = TEST_DATA_DIR;
 const std::string kFaxPages = std::string(SAMPLES_DIR) + "/fax-pages.tif";

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "refhost/imaging/Bitmap.h"
+#include "refhost/reader/Bitmap.h"
 
-inline uint32_t ColourAt(const imaging::Bitmap& image, uint32_t x, uint32_t y) {
+inline uint32_t ColourAt(const reader::Bitmap& image, uint32_t x, uint32_t y) {
     const uint8_t* row = image.Row(y);
     if (image.Bits() == 1) return image.palette[(row[x / 8] >> (7 - x % 8)) & 1];
     if (image.Bits() == 8) return image.palette[row[x]];
@@ -18,17 +18,17 @@ inline uint32_t ColourAt(const imaging::Bitmap& image, uint32_t x, uint32_t y) {
     return static_cast<uint32_t>(pixel[0] | pixel[1] << 8 | pixel[2] << 16);
 }
 
-inline uint32_t PaperColour(const imaging::Bitmap& image) {
+inline uint32_t PaperColour(const reader::Bitmap& image) {
     return image.palette.empty() ? 0xFFFFFF : image.palette[image.PaperByte() & (image.palette.size() - 1)];
 }
 
 // Random pixels with padding cleared, and for 8 bits a grey palette.
-inline std::shared_ptr<imaging::Bitmap> MakeTestImage(uint32_t width, uint32_t height, uint32_t bits, double dpiX,
-                                                      double dpiY) {
-    auto image = std::make_shared<imaging::Bitmap>(width, height, bits);
+inline std::shared_ptr<reader::Bitmap> MakeTestImage(uint32_t width, uint32_t height, uint32_t bits, double dpiX,
+                                                     double dpiY) {
+    auto image = std::make_shared<reader::Bitmap>(width, height, bits);
     image->resolution = {dpiX, dpiY, false};
-    if (bits == 1) image->palette = imaging::BlackWhitePalette();
-    if (bits == 8) image->palette = imaging::GreyPalette();
+    if (bits == 1) image->palette = reader::BlackWhitePalette();
+    if (bits == 8) image->palette = reader::GreyPalette();
     std::mt19937 random(width * 1000 + height * 10 + bits);
     for (size_t i = 0; i < image->Size(); ++i) image->Data()[i] = static_cast<uint8_t>(random());
     for (uint32_t y = 0; y < height; ++y) image->ClearPadding(y);

@@ -1,5 +1,5 @@
 #pragma once
-// The directories of a TIFF file, as far as the imaging library looks into them itself: resolution, whether the file is
+// The directories of a TIFF file, as far as the reader looks into them itself: resolution, whether the file is
 // whole, and one frame taken out without decoding it.
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 #include <span>
 #include <vector>
 
-namespace imaging {
+namespace reader {
 
 struct TiffEntry {
     uint32_t tag;
@@ -66,4 +66,4 @@ uint32_t CountTiffFrames(const ReadAt& read);
 // of the old form of JPEG whose parts lie anywhere in the file).
 std::vector<uint8_t> ExtractTiffFrame(std::span<const uint8_t> file, const TiffDirectory& frame);
 
-}  // namespace imaging
+}  // namespace reader

@@ -1,12 +1,12 @@
-#include "refhost/imaging/Tiff.h"
+#include "refhost/reader/Tiff.h"
 
 #include <algorithm>
 #include <cstring>
 #include <set>
 
-#include "refhost/imaging/Bytes.h"
+#include "refhost/reader/Bytes.h"
 
-namespace imaging {
+namespace reader {
 
 namespace {
 
@@ -186,7 +186,7 @@ public:
 
 private:
     void Put(size_t at, size_t value, int size) {
-        imaging::Put(m_out.data() + at, static_cast<uint32_t>(value), size, m_frame.BigEndian());
+        reader::Put(m_out.data() + at, static_cast<uint32_t>(value), size, m_frame.BigEndian());
     }
 
     size_t Append(const uint8_t* bytes, size_t size) {
@@ -247,4 +247,4 @@ std::vector<uint8_t> ExtractTiffFrame(std::span<const uint8_t> file, const TiffD
     return FrameWriter(file, frame, *pieces).Write();
 }
 
-}  // namespace imaging
+}  // namespace reader

@@ -1,10 +1,10 @@
-#include "refhost/imaging/Resolution.h"
+#include "refhost/reader/Resolution.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-namespace imaging {
+namespace reader {
 
 namespace {
 
@@ -85,4 +85,4 @@ int32_t TenthsOfPixels(uint32_t count, double dpi) {
     return static_cast<int32_t>(std::clamp(tenths, 1.0, static_cast<double>(std::numeric_limits<int32_t>::max())));
 }
 
-}  // namespace imaging
+}  // namespace reader

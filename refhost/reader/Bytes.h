@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-namespace imaging {
+namespace reader {
 
 inline uint32_t Get16(std::span<const uint8_t> bytes, size_t offset, bool bigEndian) {
     if (offset > bytes.size() || bytes.size() - offset < 2) return 0;
@@ -31,4 +31,4 @@ inline void Put(uint8_t* at, uint32_t value, int size, bool bigEndian) {
     }
 }
 
-}  // namespace imaging
+}  // namespace reader

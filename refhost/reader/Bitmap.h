@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "refhost/imaging/Resolution.h"
+#include "refhost/reader/Resolution.h"
 
-namespace imaging {
+namespace reader {
 
 // A failure with its text for the user.
 struct ImageError {
@@ -65,4 +65,4 @@ std::vector<uint32_t> BlackWhitePalette();
 // A colour with an alpha channel as it looks on white paper; 0xAARRGGBB to 0x00RRGGBB.
 uint32_t OnPaper(uint32_t argb);
 
-}  // namespace imaging
+}  // namespace reader

@@ -1,13 +1,13 @@
-#include "refhost/imaging/FileFacts.h"
+#include "refhost/reader/FileFacts.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "refhost/imaging/Bytes.h"
-#include "refhost/imaging/Resolution.h"
-#include "refhost/imaging/Tiff.h"
+#include "refhost/reader/Bytes.h"
+#include "refhost/reader/Resolution.h"
+#include "refhost/reader/Tiff.h"
 
-namespace imaging {
+namespace reader {
 
 namespace {
 
@@ -149,4 +149,4 @@ FileFacts ReadFileFacts(Bytes file, uint32_t frame) {
     return facts;
 }
 
-}  // namespace imaging
+}  // namespace reader

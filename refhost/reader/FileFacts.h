@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <span>
 
-namespace imaging {
+namespace reader {
 
 enum class FileKind { kUnknown, kPng, kJpeg, kBmp, kTiff };
 
@@ -20,4 +20,4 @@ struct FileFacts {
 FileKind KindOfFile(std::span<const uint8_t> file);
 FileFacts ReadFileFacts(std::span<const uint8_t> file, uint32_t frame);
 
-}  // namespace imaging
+}  // namespace reader

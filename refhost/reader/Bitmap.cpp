@@ -1,8 +1,8 @@
-#include "refhost/imaging/Bitmap.h"
+#include "refhost/reader/Bitmap.h"
 
 #include <cstring>
 
-namespace imaging {
+namespace reader {
 
 namespace {
 
@@ -78,4 +78,4 @@ uint32_t OnPaper(uint32_t argb) {
     return result;
 }
 
-}  // namespace imaging
+}  // namespace reader

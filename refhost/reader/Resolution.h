@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-namespace imaging {
+namespace reader {
 
 inline constexpr double kMinDpi = 10;
 inline constexpr double kMaxDpi = 10000;
@@ -41,4 +41,4 @@ PixelRange PixelsTouched(int32_t from, int32_t to, double dpi, uint32_t count);
 // The length of `count` pixels in tenths of a millimetre, rounded to nearest, at least 1.
 int32_t TenthsOfPixels(uint32_t count, double dpi);
 
-}  // namespace imaging
+}  // namespace reader
