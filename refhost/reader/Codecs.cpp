@@ -3,6 +3,8 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstring>
 #include <new>
 #include <vector>
@@ -159,8 +161,8 @@ private:
 class LzwDecoder final : public Decoder {
 public:
     LzwDecoder(std::span<const uint8_t> bytes, size_t total) : m_bits(bytes), m_all(total) {
-        // The form of the first writers has the lowest bit first and the longer codes one later. It is told by its first
-        // code, the one that clears the table.
+        // The form of the first writers has the lowest bit first and the longer codes one later. It is told by its
+        // first code, the one that clears the table.
         if (bytes.size() >= 2 && bytes[0] == 0 && (bytes[1] & 1) != 0) {
             m_reversed.assign(bytes.begin(), bytes.end());
             ReverseBits(m_reversed);
@@ -191,7 +193,7 @@ private:
         String last = {0, 0};
         size_t done = 0;
         while (done < m_all.size()) {
-            const uint32_t code = Take(Bits(known + (last.length > 0 ? 1 : 0)));
+            const uint32_t code = Take(Bits(known));
             if (code == kClear) {
                 known = kFirst;
                 last.length = 0;
@@ -213,15 +215,19 @@ private:
         }
     }
 
-    // Byte by byte, because a string may go on into itself.
+    // A string may go on into itself.
     static void Copy(uint8_t* to, const uint8_t* from, size_t count) {
-        for (size_t i = 0; i < count; ++i) to[i] = from[i];
+        if (from + count <= to) {
+            std::memcpy(to, from, count);
+        } else {
+            for (size_t i = 0; i < count; ++i) to[i] = from[i];
+        }
     }
 
-    // Codes become longer as soon as the table has an entry that needs it; with the highest bit first one earlier.
-    uint32_t Bits(uint32_t size) const {
+    // Codes become longer when the next entry of the table needs it; with the highest bit first one entry earlier.
+    uint32_t Bits(uint32_t known) const {
         const uint32_t early = m_reversed.empty() ? 1 : 0;
-        const uint32_t bits = static_cast<uint32_t>(std::bit_width(std::min(size, kMost) - 1 + early));
+        const uint32_t bits = static_cast<uint32_t>(std::bit_width(known + early));
         return std::clamp(bits, 9U, 12U);
     }
 

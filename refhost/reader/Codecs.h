@@ -28,6 +28,9 @@ public:
 // Decodes `bytes`, which have to live as long; `total` is the number of bytes that will be asked for.
 std::unique_ptr<Decoder> MakeDecoder(Coding coding, std::span<const uint8_t> bytes, size_t total);
 
+// Turns the bits of each byte around.
+void ReverseBits(std::span<uint8_t> bytes);
+
 // The most memory that a decoder for so many bytes takes.
 uint64_t DecoderMemory(Coding coding, uint64_t total);
 
