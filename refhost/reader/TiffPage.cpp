@@ -73,7 +73,7 @@ public:
         : m_page(page),
           m_layout(page.m_layout),
           m_jpeg(jpeg),
-          m_converter(page.m_layout, page.m_layout.compression == tiff::kJpeg && !page.m_layout.planar),
+          m_converter(page.m_layout, Colours() != JpegColours::kAsTheyAre),
           m_bitmap(std::make_shared<Bitmap>(m_layout.width, m_layout.height, m_layout.ResultBits())) {
         const TiffEntry* options = page.m_directory.Find(tiff::kGroup3Options);
         m_fax = FaxCodingOf(m_layout.compression, options == nullptr ? 0 : page.m_directory.Number(*options, 0));
@@ -185,7 +185,8 @@ private:
     }
 
     JpegColours Colours() const {
-        if (m_layout.planar || m_layout.samples != 3) return JpegColours::kAsTheyAre;
+        const bool three = m_layout.samples == 3 && !m_layout.planar;
+        if (m_layout.compression != tiff::kJpeg || !three) return JpegColours::kAsTheyAre;
         return m_layout.photometric == tiff::kYCbCr ? JpegColours::kYCbCr : JpegColours::kRgb;
     }
 
