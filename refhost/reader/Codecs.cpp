@@ -110,7 +110,8 @@ private:
 
 class DeflateDecoder final : public BlockDecoder {
 public:
-    DeflateDecoder(std::span<const uint8_t> bytes, size_t total) : BlockDecoder(total), m_left(bytes) {
+    DeflateDecoder(std::vector<std::span<const uint8_t>> parts, size_t total, bool wholeStream)
+        : BlockDecoder(total), m_parts(std::move(parts)), m_wholeStream(wholeStream) {
         if (inflateInit(&m_stream) != Z_OK) throw std::bad_alloc();
     }
     ~DeflateDecoder() override { inflateEnd(&m_stream); }
@@ -122,7 +123,10 @@ public:
         uint8_t more = 0;
         m_stream.next_out = &more;
         m_stream.avail_out = 1;
-        if (Step() == Z_DATA_ERROR) throw BadPiece{kDamaged};
+        int result = Z_OK;
+        while (result == Z_OK && m_stream.avail_out > 0) result = Step();
+        const bool good = result == Z_STREAM_END || (!m_wholeStream && result != Z_DATA_ERROR);
+        if (!good) throw BadPiece{kDamaged};
     }
 
 private:
@@ -143,17 +147,18 @@ private:
     }
 
     int Step() {
-        if (m_stream.avail_in == 0) {
-            const size_t count = std::min(m_left.size(), size_t{1} << 30);
-            m_stream.next_in = const_cast<Bytef*>(m_left.data());
-            m_stream.avail_in = static_cast<uInt>(count);
-            m_left = m_left.subspan(count);
+        for (; m_stream.avail_in == 0 && m_part < m_parts.size(); ++m_part) {
+            // No file has parts beyond 32 bits.
+            m_stream.next_in = const_cast<Bytef*>(m_parts[m_part].data());
+            m_stream.avail_in = static_cast<uInt>(m_parts[m_part].size());
         }
         return inflate(&m_stream, Z_NO_FLUSH);
     }
 
     z_stream m_stream = {};
-    std::span<const uint8_t> m_left;
+    std::vector<std::span<const uint8_t>> m_parts;
+    size_t m_part = 0;
+    const bool m_wholeStream;
 };
 
 // Each string of the table is one that was written before, made longer by the byte that came behind it there: so it is
@@ -269,10 +274,14 @@ std::unique_ptr<Decoder> MakeDecoder(Coding coding, std::span<const uint8_t> byt
         case Coding::kLzw:
             return std::make_unique<LzwDecoder>(bytes, total);
         case Coding::kDeflate:
-            return std::make_unique<DeflateDecoder>(bytes, total);
+            return std::make_unique<DeflateDecoder>(std::vector{bytes}, total, false);
         default:
             return std::make_unique<RawDecoder>(bytes);
     }
+}
+
+std::unique_ptr<Decoder> MakeInflater(std::vector<std::span<const uint8_t>> parts, size_t total) {
+    return std::make_unique<DeflateDecoder>(std::move(parts), total, true);
 }
 
 uint64_t DecoderMemory(Coding coding, uint64_t total) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <vector>
 
 namespace reader {
 
@@ -27,6 +28,9 @@ public:
 
 // Decodes `bytes`, which have to live as long; `total` is the number of bytes that will be asked for.
 std::unique_ptr<Decoder> MakeDecoder(Coding coding, std::span<const uint8_t> bytes, size_t total);
+
+// Inflates a stream that stands in several parts, whose checksum has to be there and right: End throws otherwise.
+std::unique_ptr<Decoder> MakeInflater(std::vector<std::span<const uint8_t>> parts, size_t total);
 
 // Turns the bits of each byte around.
 void ReverseBits(std::span<uint8_t> bytes);

@@ -69,7 +69,13 @@ void SwapBytes(uint8_t* row, uint32_t bits, size_t count) {
     for (size_t i = 0; i < count; ++i) std::reverse(row + i * size, row + (i + 1) * size);
 }
 
-SampleConverter::SampleConverter(const TiffLayout& layout, bool blueFirst) : m_layout(layout), m_blueFirst(blueFirst) {
+uint32_t SampleLayout::ResultBits() const {
+    if (colors > 1) return 24;
+    return bits == 1 && samples == 1 ? 1 : 8;
+}
+
+SampleConverter::SampleConverter(const SampleLayout& layout, bool blueFirst)
+    : m_layout(layout), m_blueFirst(blueFirst) {
     if (layout.bits > 8) return;
     const bool inverted = layout.photometric == tiff::kWhiteIsZero;
     const uint32_t most = (1U << layout.bits) - 1;

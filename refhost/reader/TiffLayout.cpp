@@ -153,11 +153,6 @@ uint32_t TiffLayout::Rows(uint32_t line) const {
     return std::min(pieceHeight, height - line * pieceHeight);
 }
 
-uint32_t TiffLayout::ResultBits() const {
-    if (colors > 1) return 24;
-    return bits == 1 && samples == 1 ? 1 : 8;
-}
-
 TiffLayout ReadTiffLayout(const TiffDirectory& directory) {
     return LayoutReader(directory).Read();
 }

@@ -16,6 +16,7 @@
 
 #include "refhost/reader/Bitmap.h"
 #include "refhost/reader/Codecs.h"
+#include "refhost/reader/Samples.h"
 #include "refhost/reader/Tiff.h"
 
 namespace reader {
@@ -33,17 +34,11 @@ public:
 };
 
 // What the tags say, with what they leave out filled in.
-struct TiffLayout {
+struct TiffLayout : SampleLayout {
     uint32_t width = 0;  // pixels of the page, as stored
     uint32_t height = 0;
-    uint32_t bits = 1;  // of a sample
-    uint32_t samples = 1;
-    uint32_t colors = 1;  // samples without the extra ones
-    uint32_t photometric = 0;
     uint32_t compression = 1;
     uint32_t predictor = 1;
-    uint32_t alpha = 0;  // kind of the first extra sample: 1 premultiplied, 2 not; 0: none, or of no meaning
-    bool planar = false;
     bool lowBitFirst = false;
     bool tiled = false;
     uint32_t pieceWidth = 0;  // pixels
@@ -51,13 +46,10 @@ struct TiffLayout {
     uint32_t across = 1;  // pieces of a plane
     uint32_t down = 1;
 
-    uint32_t Planes() const { return planar ? samples : 1; }
     // Bytes of a row of a piece, in one plane.
     uint64_t RowBytes() const { return (uint64_t{pieceWidth} * (planar ? 1 : samples) * bits + 7) / 8; }
     // Rows that the pieces of a line of them have to give.
     uint32_t Rows(uint32_t line) const;
-    // Bits of a pixel in the bitmap.
-    uint32_t ResultBits() const;
 };
 
 // Throws ImageError for kinds that are not read.
