@@ -22,7 +22,6 @@ TIFFS = {
     "16-deflate": ("wide", ["-c", "zip:2"]),
     "24-none": ("colour", ["-c", "none"]), "24-lzw": ("colour", ["-c", "lzw:2"]),
     "24-jpeg": ("colour", ["-c", "jpeg", "-r", "16"]), "24-deflate": ("colour", ["-c", "zip:2"]), "24-packbits": ("colour", ["-c", "packbits"]),
-    "24-planar": ("colour", ["-c", "none", "-p", "separate"]),
     "24-tiles": ("colour", ["-c", "zip:2", "-t", "-w", "256", "-l", "256"]),
 }
 
