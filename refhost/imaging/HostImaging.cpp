@@ -8,7 +8,7 @@
 #include "refhost/imaging/ErrorText.h"
 #include "refhost/imaging/LiveImages.h"
 #include "refhost/imaging/Output.h"
-#include "refhost/imaging/WicFile.h"
+#include "refhost/imaging/ImageFile.h"
 
 namespace {
 
@@ -152,7 +152,7 @@ int HostGetImageInfo(void* image, HostImageInfo* info) {
         const ImagePtr found = Live().Find(image);
         const reader::Bitmap& bitmap = found->Geometry();
         *info = {bitmap.Width(),      bitmap.Height(),    bitmap.Bits(), bitmap.resolution.assumed ? 1u : 0u,
-                 bitmap.resolution.x, bitmap.resolution.y};
+                 bitmap.resolution.x, bitmap.resolution.y, bitmap.orientation};
     });
 }
 

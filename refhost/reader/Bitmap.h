@@ -44,6 +44,7 @@ public:
     // Colours 0x00RRGGBB, 2 or 256 of them for 1-bit and 8-bit images, none for the others.
     std::vector<uint32_t> palette;
     Resolution resolution;
+    uint32_t orientation = 1;  // that its file has; the bitmap is upright
 
     // The byte that stands for paper white all over: the palette's entry nearest to white, or full colour.
     uint8_t PaperByte() const;

@@ -27,11 +27,6 @@ bool IsApplication(uint8_t marker) {
     return marker >= 0xE0 && marker <= 0xEF;
 }
 
-// Frame headers; between them stand three other markers.
-bool IsFrame(uint8_t marker) {
-    return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
-}
-
 class PieceMaker {
 public:
     PieceMaker(JpegPiece& made, size_t size) : m_made(made) {
@@ -55,7 +50,7 @@ public:
             if (marker == kScan) return at;
             const size_t length = Get16(stream, at + 2, true);
             if (length < 2 || length > stream.size() - at - 2) ThrowDamaged();
-            if (IsFrame(marker)) ReadFrame(stream.subspan(at + 4, length - 2));
+            if (IsJpegFrame(marker)) ReadFrame(stream.subspan(at + 4, length - 2));
             if (!IsApplication(marker) && marker != kComment) Append(stream.subspan(at, length + 2));
             at += length + 2;
         }
@@ -90,16 +85,24 @@ private:
 
 }  // namespace
 
+// Between them stand three other markers.
+bool IsJpegFrame(uint8_t marker) {
+    return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
+}
+
+bool HasJpegEnd(Bytes scans) {
+    static constexpr uint8_t kEndMarker[] = {0xFF, kEnd};
+    return !std::ranges::find_end(scans, kEndMarker).empty();
+}
+
 JpegPiece MakeJpegPiece(Bytes tables, Bytes piece, JpegColours colours) {
     JpegPiece made = {{}, 0, 0, 0};
     PieceMaker maker(made, tables.size() + piece.size());
     maker.AppendColours(colours);
     if (!tables.empty()) maker.CopySegments(tables);
     const size_t scan = maker.CopySegments(piece);
-    static constexpr uint8_t kEndMarker[] = {0xFF, kEnd};
     const Bytes rest = piece.subspan(scan);
-    // In coded data this pair of bytes occurs as nothing else.
-    if (scan == 0 || made.samples == 0 || std::ranges::find_end(rest, kEndMarker).empty()) ThrowDamaged();
+    if (scan == 0 || made.samples == 0 || !HasJpegEnd(rest)) ThrowDamaged();
     maker.Append(rest);
     return made;
 }

@@ -276,7 +276,7 @@ uint64_t PngPage::RowBytes(uint32_t width) const {
     return (uint64_t{width} * m_layout.samples * m_layout.bits + 7) / 8;
 }
 
-uint64_t PngPage::WorkingBytes() const {
+uint64_t PngPage::WorkingBytes(const JpegDecoder&) const {
     const uint64_t row = RowBytes(m_width);
     return DecoderMemory(Coding::kDeflate, (row + 1) * m_height * 2) + 8 * row + 4 * uint64_t{m_width};
 }
@@ -295,7 +295,7 @@ std::vector<uint32_t> PngPage::Palette() const {
     return palette;
 }
 
-std::shared_ptr<Bitmap> PngPage::Decode() const {
+std::shared_ptr<Bitmap> PngPage::Decode(JpegDecoder&) const {
     try {
         return Work(*this).Run();
     } catch (const BadPiece& bad) {

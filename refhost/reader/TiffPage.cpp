@@ -164,7 +164,9 @@ private:
     void JpegRows(uint32_t index, uint32_t line, uint32_t column) {
         const uint32_t rows = m_layout.Rows(line);
         const uint32_t samples = m_layout.planar ? 1 : m_layout.samples;
-        std::vector<std::vector<uint8_t>> planes;
+        // Planes are put together when all are there; the rows of one go straight to their place.
+        std::vector<std::vector<uint8_t>> planes(m_layout.planar ? m_layout.Planes() : 0);
+        const uint32_t top = line * m_layout.pieceHeight;
         for (uint32_t plane = 0; plane < m_layout.Planes(); ++plane) {
             const JpegPiece piece =
                 MakeJpegPiece(m_page.JpegTables(), m_page.PieceBytes(index + plane * PlaneStep()), Colours());
@@ -172,15 +174,22 @@ private:
                 piece.height > m_layout.pieceHeight) {
                 throw BadPiece{L"is a JPEG of another size than the page says"};
             }
-            planes.emplace_back(size_t{piece.width} * piece.height * samples);
-            m_jpeg.Decode(piece.stream, piece.width, piece.height, samples, planes.back().data());
+            if (m_layout.planar) planes[plane].resize(size_t{piece.width} * piece.height);
+            m_jpeg.Decode(piece.stream, piece.width, piece.height, samples, [&](uint32_t y, const uint8_t* row) {
+                if (m_layout.planar) {
+                    std::memcpy(planes[plane].data() + size_t{y} * piece.width, row, piece.width);
+                } else if (y < rows) {
+                    Put(&row, top + y, column);
+                }
+            });
         }
+        if (planes.empty()) return;
         std::vector<const uint8_t*> row(planes.size());
         for (uint32_t y = 0; y < rows; ++y) {
             for (size_t plane = 0; plane < planes.size(); ++plane) {
-                row[plane] = planes[plane].data() + size_t{y} * m_layout.pieceWidth * samples;
+                row[plane] = planes[plane].data() + size_t{y} * m_layout.pieceWidth;
             }
-            Put(row.data(), line * m_layout.pieceHeight + y, column);
+            Put(row.data(), top + y, column);
         }
     }
 
@@ -215,6 +224,11 @@ TiffPage::TiffPage(std::span<const uint8_t> file, TiffDirectory directory)
     if (m_offsets == nullptr) m_offsets = m_directory.Find(tiff::kStripOffsets);
     if (m_lengths == nullptr) m_lengths = m_directory.Find(tiff::kStripLengths);
     CheckPieces();
+}
+
+PageFacts TiffPage::Facts() const {
+    return {m_layout.width,           m_layout.height,    m_layout.ResultBits(),
+            m_directory.Orientation(), m_directory.DpiX(), m_directory.DpiY()};
 }
 
 void TiffPage::CheckPieces() const {
@@ -284,7 +298,7 @@ uint64_t TiffPage::WorkingBytes(const JpegDecoder& jpeg) const {
     if (m_layout.lowBitFirst) bytes += longest;
     if (m_layout.compression == tiff::kJpeg) {
         const uint32_t samples = m_layout.planar ? 1 : m_layout.samples;
-        bytes += longest + m_layout.RowBytes() * rows + jpeg.Memory(m_layout.pieceWidth, m_layout.pieceHeight, samples);
+        bytes += longest + (m_layout.planar ? m_layout.RowBytes() * rows : 0) + jpeg.Memory(m_layout.pieceWidth, m_layout.pieceHeight, samples);
     } else if (tiff::IsFax(m_layout.compression)) {
         bytes += m_layout.tiled ? m_layout.RowBytes() * rows : 0;
     } else {

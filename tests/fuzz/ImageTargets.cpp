@@ -4,7 +4,7 @@
 #include "fuzz/Targets.h"
 #include "refhost/imaging/Image.h"
 #include "refhost/imaging/Mask.h"
-#include "refhost/reader/FileFacts.h"
+#include "refhost/reader/Page.h"
 #include "refhost/reader/Tiff.h"
 
 namespace fuzz {
@@ -92,10 +92,15 @@ void image_header(Input input) {
     const uint32_t frame = input.Byte() % 4;
     const std::string_view rest = input.Rest();
     const std::span file(reinterpret_cast<const uint8_t*>(rest.data()), rest.size());
-    const reader::FileFacts facts = reader::ReadFileFacts(file, frame);
-    Require(facts.dpiX >= 0 && facts.dpiY >= 0, "a resolution is no negative number");
-    const auto used = reader::ResolveResolution(facts.dpiX, facts.dpiY, 0, 0);
-    Require(reader::IsPossibleDpi(used.x) && reader::IsPossibleDpi(used.y), "a resolution in use is possible");
+    try {
+        const std::vector<uint32_t> places = reader::FindPages(file);
+        const reader::PageFacts facts = reader::OpenPage(file, places[frame % places.size()])->Facts();
+        Require(facts.dpiX >= 0 && facts.dpiY >= 0, "a resolution is no negative number");
+        const auto used = reader::ResolveResolution(facts.dpiX, facts.dpiY, 0, 0);
+        Require(reader::IsPossibleDpi(used.x) && reader::IsPossibleDpi(used.y), "a resolution in use is possible");
+    } catch (const reader::ImageError& error) {
+        Require(!error.text.empty(), "a refused page says why");
+    }
 
     const uint32_t frames = reader::CountTiffFrames([&](uint32_t offset, uint8_t* to, size_t size) {
         if (offset > file.size() || file.size() - offset < size) return false;
