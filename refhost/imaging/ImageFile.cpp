@@ -60,8 +60,12 @@ HostFrameSize ImageFile::Size(uint32_t frame) const {
     const PageFacts facts = page->Facts();
     const PageMemory memory = MemoryOf(*page, WicJpeg());
     const bool turned = facts.orientation >= 5;
-    return {turned ? facts.height : facts.width, turned ? facts.width : facts.height, facts.bits, facts.orientation,
-            memory.bitmap, memory.working};
+    return {turned ? facts.height : facts.width,
+            turned ? facts.width : facts.height,
+            facts.bits,
+            facts.orientation,
+            memory.bitmap,
+            memory.working};
 }
 
 std::shared_ptr<const Bitmap> ImageFile::Decode(uint32_t frame, double dpiX, double dpiY) const {

@@ -34,7 +34,8 @@ JpegPage::JpegPage(Bytes file) : m_file(file) {
     for (;;) {
         if (file.size() < at + 4) ThrowCutOff();
         if (file[at] != 0xFF) {
-            throw ImageError{L"the file's header is damaged; copy the file anew from its source or scan the page again"};
+            throw ImageError{
+                L"the file's header is damaged; copy the file anew from its source or scan the page again"};
         }
         const uint8_t marker = file[at + 1];
         if (marker == 0xFF) {  // padding before a marker

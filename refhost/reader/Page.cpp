@@ -1,5 +1,6 @@
 #include "refhost/reader/Page.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "refhost/reader/BmpPage.h"
@@ -59,8 +60,9 @@ std::shared_ptr<Bitmap> DecodeUpright(const Page& page, JpegDecoder& jpeg, doubl
     const PageFacts facts = page.Facts();
     std::shared_ptr<Bitmap> bitmap = page.Decode(jpeg);
     bitmap->resolution = ResolveResolution(facts.dpiX, facts.dpiY, dpiX, dpiY);
+    bitmap = Upright(std::move(bitmap), facts.orientation);
     bitmap->orientation = facts.orientation;
-    return Upright(std::move(bitmap), facts.orientation);
+    return bitmap;
 }
 
 }  // namespace reader

@@ -26,8 +26,8 @@ public:
     using Rows = std::function<void(uint32_t y, const uint8_t* row)>;
 
     virtual ~JpegDecoder() = default;
-    // Decodes a whole stream, whose header says `width` x `height` and so many samples. Rows have 1 sample a pixel, grey,
-    // or 3, blue, green and red, or 4, cyan, magenta, yellow and black. Throws BadPiece (Codecs.h).
+    // Decodes a whole stream, whose header says `width` x `height` and so many samples. Rows have 1 sample a pixel,
+    // grey, or 3, blue, green and red, or 4, cyan, magenta, yellow and black. Throws BadPiece (Codecs.h).
     virtual void Decode(std::span<const uint8_t> stream, uint32_t width, uint32_t height, uint32_t samples,
                         const Rows& rows) = 0;
     // The most memory that it takes for a stream of that size.

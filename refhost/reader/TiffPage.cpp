@@ -227,8 +227,8 @@ TiffPage::TiffPage(std::span<const uint8_t> file, TiffDirectory directory)
 }
 
 PageFacts TiffPage::Facts() const {
-    return {m_layout.width,           m_layout.height,    m_layout.ResultBits(),
-            m_directory.Orientation(), m_directory.DpiX(), m_directory.DpiY()};
+    return {m_layout.width,     m_layout.height,   m_layout.ResultBits(), m_directory.Orientation(),
+            m_directory.DpiX(), m_directory.DpiY()};
 }
 
 void TiffPage::CheckPieces() const {
@@ -298,7 +298,8 @@ uint64_t TiffPage::WorkingBytes(const JpegDecoder& jpeg) const {
     if (m_layout.lowBitFirst) bytes += longest;
     if (m_layout.compression == tiff::kJpeg) {
         const uint32_t samples = m_layout.planar ? 1 : m_layout.samples;
-        bytes += longest + (m_layout.planar ? m_layout.RowBytes() * rows : 0) + jpeg.Memory(m_layout.pieceWidth, m_layout.pieceHeight, samples);
+        bytes += longest + (m_layout.planar ? m_layout.RowBytes() * rows : 0) +
+                 jpeg.Memory(m_layout.pieceWidth, m_layout.pieceHeight, samples);
     } else if (tiff::IsFax(m_layout.compression)) {
         bytes += m_layout.tiled ? m_layout.RowBytes() * rows : 0;
     } else {
