@@ -20,6 +20,15 @@ bool StartsWith(Bytes file, const char (&text)[Size]) {
     return file.size() >= Size - 1 && std::memcmp(file.data(), text, Size - 1) == 0;
 }
 
+enum class Kind { kUnknown, kPng, kJpeg, kBmp, kTiff };
+
+Kind KindOf(Bytes file) {
+    if (IsTiff(file)) return Kind::kTiff;
+    if (StartsWith(file, "\x89PNG\r\n\x1a\n")) return Kind::kPng;
+    if (StartsWith(file, "\xFF\xD8")) return Kind::kJpeg;
+    return StartsWith(file, "BM") ? Kind::kBmp : Kind::kUnknown;
+}
+
 bool TurnsAxes(uint32_t orientation) {
     return orientation >= 5;
 }
@@ -28,6 +37,9 @@ bool TurnsAxes(uint32_t orientation) {
 
 std::vector<uint32_t> FindPages(Bytes file) {
     if (file.empty()) throw ImageError{L"the file is empty; scan or export the page again"};
+    if (KindOf(file) == Kind::kUnknown) {
+        throw ImageError{L"this is no image of a known format; use PNG, JPEG, BMP or TIFF"};
+    }
     if (!IsTiff(file)) return {0};
     std::vector<uint32_t> places = TiffDirectories(file);
     if (places.empty()) throw ImageError{L"the file holds no image; scan or export the page again"};
@@ -35,17 +47,21 @@ std::vector<uint32_t> FindPages(Bytes file) {
 }
 
 std::unique_ptr<Page> OpenPage(Bytes file, uint32_t place) {
-    if (IsTiff(file)) {
-        auto directory = TiffDirectory::Read(file, place, file[0] == 'M');
-        if (!directory) {
-            throw ImageError{L"the end of the file is missing; copy it anew from its source or scan the page again"};
-        }
-        return std::make_unique<TiffPage>(file, *std::move(directory));
+    switch (KindOf(file)) {
+        case Kind::kPng:
+            return std::make_unique<PngPage>(file);
+        case Kind::kJpeg:
+            return std::make_unique<JpegPage>(file);
+        case Kind::kBmp:
+            return std::make_unique<BmpPage>(file);
+        default:
+            break;
     }
-    if (StartsWith(file, "\x89PNG\r\n\x1a\n")) return std::make_unique<PngPage>(file);
-    if (StartsWith(file, "\xFF\xD8")) return std::make_unique<JpegPage>(file);
-    if (StartsWith(file, "BM")) return std::make_unique<BmpPage>(file);
-    throw ImageError{L"this is no image of a known format; use PNG, JPEG, BMP or TIFF"};
+    auto directory = TiffDirectory::Read(file, place, file[0] == 'M');
+    if (!directory) {
+        throw ImageError{L"the end of the file is missing; copy it anew from its source or scan the page again"};
+    }
+    return std::make_unique<TiffPage>(file, *std::move(directory));
 }
 
 PageMemory MemoryOf(const Page& page, const JpegDecoder& jpeg) {

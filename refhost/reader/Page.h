@@ -56,6 +56,7 @@ public:
 // Where the pages of a file stand: one number for each, for OpenPage. Throws ImageError for what is no image of a known
 // format.
 std::vector<uint32_t> FindPages(std::span<const uint8_t> file);
+// `place` is one of those.
 std::unique_ptr<Page> OpenPage(std::span<const uint8_t> file, uint32_t place);
 
 // Bytes that DecodeUpright takes: those of the bitmap, and the most that it takes beside it.
