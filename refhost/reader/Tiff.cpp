@@ -168,7 +168,8 @@ void WalkDirectories(const Read& read, const Visit& visit) {
         const uint64_t next = uint64_t{offset} + 2 + entries * kEntrySize;
         if (entries == 0 || next > UINT32_MAX) return;
         visit(offset);
-        if (!read(static_cast<uint32_t>(next), number, 4)) return;
+        // Where even the link is missing, pages may be.
+        if (!read(static_cast<uint32_t>(next), number, 4)) return visit(static_cast<uint32_t>(next));
         offset = Get32(number, 0, bigEndian);
     }
 }
