@@ -4,6 +4,7 @@
 #include "fuzz/Targets.h"
 #include "refhost/imaging/Image.h"
 #include "refhost/imaging/Mask.h"
+#include "refhost/reader/BmpPage.h"
 #include "refhost/reader/FileFacts.h"
 #include "refhost/reader/Tiff.h"
 
@@ -105,6 +106,24 @@ void image_header(Input input) {
     Require(frames == 0 || reader::IsTiff(file), "only a TIFF file has frames");
     if (const auto directory = reader::TiffFrame(file, frame)) CheckFrame(file, *directory);
     CheckBmp(file);
+}
+
+void bmp_page(Input input) {
+    const std::string_view rest = input.Rest();
+    try {
+        const reader::BmpPage page({reinterpret_cast<const uint8_t*>(rest.data()), rest.size()});
+        // Run lengths make large bitmaps of small files, which only takes time here.
+        constexpr uint64_t kMostBytes = uint64_t{1} << 22;
+        if (Bitmap::Check(page.Width(), page.Height(), page.Bits()) > kMostBytes) return;
+        const auto bitmap = page.Decode();
+        const auto again = page.Decode();
+        Require(bitmap->Width() == page.Width() && bitmap->Height() == page.Height() && bitmap->Bits() == page.Bits(),
+                "a page has the size that it says");
+        Require(bitmap->palette.size() == (page.Bits() > 8 ? 0 : size_t{1} << page.Bits()), "every index has a colour");
+        Require(std::memcmp(bitmap->Data(), again->Data(), bitmap->Size()) == 0, "every byte of a page is decoded");
+    } catch (const reader::ImageError& error) {
+        Require(!error.text.empty(), "a refused page says why");
+    }
 }
 
 }  // namespace fuzz
