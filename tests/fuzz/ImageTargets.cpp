@@ -1,4 +1,5 @@
 // Masking, and what is read from the bytes of image files.
+#include <algorithm>
 #include <cstring>
 
 #include "fuzz/Targets.h"
@@ -6,6 +7,7 @@
 #include "refhost/imaging/Mask.h"
 #include "refhost/reader/Page.h"
 #include "refhost/reader/Tiff.h"
+#include "support/FakeJpeg.h"
 
 namespace fuzz {
 namespace {
@@ -110,6 +112,28 @@ void image_header(Input input) {
     Require(frames == 0 || reader::IsTiff(file), "only a TIFF file has frames");
     if (const auto directory = reader::TiffFrame(file, frame)) CheckFrame(file, *directory);
     CheckBmp(file);
+}
+
+void page_file(Input input) {
+    constexpr uint64_t kMostBytes = 1 << 20;
+    const std::string_view rest = input.Rest();
+    const std::span file(reinterpret_cast<const uint8_t*>(rest.data()), rest.size());
+    test::FakeJpeg jpeg;
+    try {
+        const std::vector<uint32_t> places = reader::FindPages(file);
+        for (size_t i = 0; i < std::min<size_t>(places.size(), 3); ++i) {
+            const std::unique_ptr<reader::Page> page = reader::OpenPage(file, places[i]);
+            const reader::PageMemory memory = reader::MemoryOf(*page, jpeg);
+            if (memory.bitmap + memory.working > kMostBytes) return;
+            const auto bitmap = reader::DecodeUpright(*page, jpeg, 0, 0);
+            const auto again = reader::DecodeUpright(*page, jpeg, 0, 0);
+            Require(bitmap->Size() == memory.bitmap, "a page takes what its header says");
+            Require(bitmap->palette.empty() == (bitmap->Bits() > 8), "bitmaps of up to 8 bits have a palette");
+            Require(std::memcmp(bitmap->Data(), again->Data(), bitmap->Size()) == 0, "every byte of a page is decoded");
+        }
+    } catch (const reader::ImageError& error) {
+        Require(!error.text.empty(), "a refused page says why");
+    }
 }
 
 }  // namespace fuzz
