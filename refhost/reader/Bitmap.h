@@ -23,7 +23,9 @@ inline constexpr uint64_t kMaxPixelBytes = (uint64_t{2} << 30) - 1;
 
 class Bitmap {
 public:
-    // Pixels are not initialised. Throws ImageError beyond the limits, std::bad_alloc without memory.
+    // Pixels are not initialised; with ZONHOST_TEST_FILL in the environment they hold random bytes, other ones at each
+    // run, so that tests see what a decoder leaves out. Throws ImageError beyond the limits, std::bad_alloc without
+    // memory.
     Bitmap(uint32_t width, uint32_t height, uint32_t bits);
     // Throws ImageError for a size that no bitmap can have; gives the bytes that its pixels take.
     static uint64_t Check(uint32_t width, uint32_t height, uint32_t bits);
