@@ -35,6 +35,14 @@ void FillForTests(uint8_t* pixels, size_t size) {
 
 }  // namespace
 
+void ThrowDamaged(const std::wstring& what) {
+    throw ImageError{what + L"; copy the file anew from its source or scan the page again"};
+}
+
+void ThrowCutOff() {
+    ThrowDamaged(L"the end of the file is missing");
+}
+
 uint64_t Bitmap::Check(uint32_t width, uint32_t height, uint32_t bits) {
     if (width == 0 || height == 0) throw ImageError{L"the image has no pixels; scan or export the page again"};
     if (width > kMaxSide || height > kMaxSide) {

@@ -18,6 +18,10 @@ struct ImageError {
     std::wstring text;
 };
 
+// Throw an ImageError for a file that is not what it was: `what` is wrong with it, then what to do about it.
+[[noreturn]] void ThrowDamaged(const std::wstring& what);
+[[noreturn]] void ThrowCutOff();
+
 inline constexpr uint32_t kMaxSide = 65535;
 inline constexpr uint64_t kMaxPixelBytes = (uint64_t{2} << 30) - 1;
 

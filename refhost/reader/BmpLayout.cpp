@@ -20,12 +20,7 @@ enum Compression : uint32_t { kNoCompression, kRle8, kRle4, kMasks, kHoldsJpeg, 
 }
 
 [[noreturn]] void ThrowBadHeader(const wchar_t* what) {
-    throw ImageError{std::wstring(L"the header of the file is damaged: ") + what +
-                     L"; copy the file anew from its source or scan the page again"};
-}
-
-[[noreturn]] void ThrowBmpCutOff() {
-    throw ImageError{L"the end of the file is missing; copy it anew from its source or scan the page again"};
+    ThrowDamaged(std::wstring(L"the header of the file is damaged: ") + what);
 }
 
 // A mask's bits have to be neighbours, and of no other mask.
@@ -45,12 +40,12 @@ public:
 
     BmpLayout Read() {
         if (m_file.size() < 2 || m_file[0] != 'B' || m_file[1] != 'M') ThrowBadHeader(L"it is not that of a BMP file");
-        if (m_file.size() < kBmpFileHeader + 4) ThrowBmpCutOff();
+        if (m_file.size() < kBmpFileHeader + 4) ThrowCutOff();
         m_size = Get32(m_file, kBmpFileHeader, false);
         // Sizes between those of the systems' own headers are of OS/2, which may leave out any of the last fields.
         const bool known = m_size == kCoreHeader || (m_size >= 16 && m_size <= 64) || m_size == 108 || m_size == 124;
         if (!known) RefuseBmp(L"with a header of " + std::to_wstring(m_size) + L" bytes");
-        if (m_size > m_file.size() - kBmpFileHeader) ThrowBmpCutOff();
+        if (m_size > m_file.size() - kBmpFileHeader) ThrowCutOff();
         m_header = m_file.subspan(kBmpFileHeader, m_size);
         ReadSize();
         ReadCompression();
@@ -114,7 +109,7 @@ private:
         constexpr size_t kRed = kBmpFileHeader + kInfoHeader;
         alpha = alpha || m_size >= 56;
         m_headerEnd = std::max<size_t>(m_headerEnd, kRed + (alpha ? 16 : 12));
-        if (m_headerEnd > m_file.size()) ThrowBmpCutOff();
+        if (m_headerEnd > m_file.size()) ThrowCutOff();
         const auto mask = [&](size_t index) { return Get32(m_file, kRed + index * 4, false); };
         m_layout.masks = {mask(2), mask(1), mask(0), alpha ? mask(3) : 0};
         if (!AreMasks(m_layout.masks, m_layout.bits)) ThrowBadHeader(L"its colour masks do not fit the pixels");
@@ -141,7 +136,7 @@ private:
 
     void CheckPixels() const {
         const uint64_t needed = m_layout.runLengths ? 1 : m_layout.RowBytes() * m_layout.height;
-        if (m_layout.pixels + needed > m_file.size()) ThrowBmpCutOff();
+        if (m_layout.pixels + needed > m_file.size()) ThrowCutOff();
     }
 
     std::span<const uint8_t> m_file;

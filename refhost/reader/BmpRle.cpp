@@ -38,10 +38,7 @@ private:
     static constexpr uint8_t kEndOfBitmap = 1;
     static constexpr uint8_t kDelta = 2;
 
-    [[noreturn]] static void ThrowBeyond() {
-        throw ImageError{
-            L"the page's run lengths are damaged; copy the file anew from its source or scan the page again"};
-    }
+    [[noreturn]] static void ThrowBeyond() { ThrowDamaged(L"the page's run lengths are damaged"); }
 
     bool IsComplete() const {
         const uint32_t height = m_bitmap.Height();
@@ -50,7 +47,7 @@ private:
 
     uint8_t Byte() {
         if (m_at == m_runs.size()) {
-            throw ImageError{L"the end of the file is missing; copy it anew from its source or scan the page again"};
+            ThrowCutOff();
         }
         return m_runs[m_at++];
     }

@@ -14,10 +14,6 @@ namespace reader {
 
 namespace {
 
-[[noreturn]] void ThrowCutOff() {
-    throw ImageError{L"the end of the file is missing; copy it anew from its source or scan the page again"};
-}
-
 SampleLayout LayoutOf(uint32_t samples) {
     SampleLayout layout;
     layout.bits = 8;
@@ -34,8 +30,7 @@ JpegPage::JpegPage(Bytes file) : m_file(file) {
     for (;;) {
         if (file.size() < at + 4) ThrowCutOff();
         if (file[at] != 0xFF) {
-            throw ImageError{
-                L"the file's header is damaged; copy the file anew from its source or scan the page again"};
+            ThrowDamaged(L"the file's header is damaged");
         }
         const uint8_t marker = file[at + 1];
         if (marker == 0xFF) {  // padding before a marker
@@ -104,8 +99,7 @@ std::shared_ptr<Bitmap> JpegPage::Decode(JpegDecoder& jpeg) const {
             bitmap->ClearPadding(y);
         });
     } catch (const BadPiece& bad) {
-        throw ImageError{std::wstring(L"the page's data ") + bad.what +
-                         L"; copy the file anew from its source or scan the page again"};
+        ThrowDamaged(std::wstring(L"the page's data ") + bad.what);
     }
     return bitmap;
 }

@@ -59,7 +59,7 @@ std::unique_ptr<Page> OpenPage(Bytes file, uint32_t place) {
     }
     auto directory = TiffDirectory::Read(file, place, file[0] == 'M');
     if (!directory) {
-        throw ImageError{L"the end of the file is missing; copy it anew from its source or scan the page again"};
+        ThrowCutOff();
     }
     return std::make_unique<TiffPage>(file, *std::move(directory));
 }

@@ -30,14 +30,6 @@ constexpr uint32_t kResolution = Name("pHYs");
 constexpr size_t kSignature = 8;
 constexpr size_t kChunkFrame = 12;  // length, name and checksum
 
-[[noreturn]] void ThrowDamaged(const std::wstring& what) {
-    throw ImageError{what + L"; copy the file anew from its source or scan the page again"};
-}
-
-[[noreturn]] void ThrowCutOff() {
-    ThrowDamaged(L"the end of the file is missing");
-}
-
 // A chunk without which a page cannot be shown has a capital letter in front.
 bool IsNeeded(uint32_t name) {
     return (name & 0x20000000) == 0;

@@ -12,14 +12,8 @@ namespace reader {
 
 namespace {
 
-constexpr const wchar_t* kCopyAnew = L"; copy the file anew from its source or scan the page again";
-
 [[noreturn]] void ThrowNoPixels(const wchar_t* what) {
-    throw ImageError{std::wstring(L"the page's strips or tiles ") + what + kCopyAnew};
-}
-
-[[noreturn]] void ThrowCutOff() {
-    throw ImageError{L"the end of the file is missing; copy it anew from its source or scan the page again"};
+    ThrowDamaged(std::wstring(L"the page's strips or tiles ") + what);
 }
 
 // The bytes of a piece, turned around where the file has the lowest bit first.
@@ -99,8 +93,8 @@ private:
                 Rows(index, line, column);
             }
         } catch (const BadPiece& bad) {
-            throw ImageError{(m_layout.tiled ? L"tile " : L"strip ") + std::to_wstring(index + 1) + L" of " +
-                             std::to_wstring(m_page.PieceCount()) + L": its data " + bad.what + kCopyAnew};
+            ThrowDamaged((m_layout.tiled ? L"tile " : L"strip ") + std::to_wstring(index + 1) + L" of " +
+                         std::to_wstring(m_page.PieceCount()) + L": its data " + bad.what);
         }
     }
 
@@ -235,8 +229,8 @@ void TiffPage::CheckPieces() const {
     if (m_offsets == nullptr) ThrowNoPixels(L"are not listed in the file");
     const uint64_t count = uint64_t{m_layout.across} * m_layout.down * m_layout.Planes();
     if (m_offsets->count < count || (m_lengths != nullptr && m_lengths->count < count)) {
-        throw ImageError{L"the file lists " + std::to_wstring(m_offsets->count) + L" of the page's " +
-                         std::to_wstring(count) + (m_layout.tiled ? L" tiles" : L" strips") + kCopyAnew};
+        ThrowDamaged(L"the file lists " + std::to_wstring(m_offsets->count) + L" of the page's " +
+                     std::to_wstring(count) + (m_layout.tiled ? L" tiles" : L" strips"));
     }
     uint64_t sum = 0;
     for (uint32_t i = 0; i < count; ++i) sum += PieceBytes(i).size();

@@ -31,7 +31,7 @@ struct File {
         reader::Put32(&file[14], header);
         const int size = header == 12 ? 2 : 4;
         uint8_t* at = &file[18];
-        for (const auto [value, length] :
+        for (const auto& [value, length] :
              {std::pair{width, size}, {height, size}, {1, 2}, {static_cast<int>(bits), 2}}) {
             reader::Put(at, static_cast<uint32_t>(value), length, false);
             at += length;
@@ -116,8 +116,8 @@ TEST(BmpPage, HeadersAndKinds) {
         EXPECT_EQ(Read(file), std::nullopt) << "pixels at " << offset;
     }
     const Bytes dots = File{40, 24, 0, 1, 1, {}, {3, 2, 1, 0}}.Write();
-    EXPECT_EQ(reader::BmpPage(dots).DpiX(), 300);
-    EXPECT_EQ(reader::BmpPage(dots).DpiY(), 0);
+    EXPECT_EQ(reader::BmpPage(dots).Facts().dpiX, 300);
+    EXPECT_EQ(reader::BmpPage(dots).Facts().dpiY, 0);
 }
 
 // 5 x 3 pixels; rows from the top, or nothing when the runs are refused.
