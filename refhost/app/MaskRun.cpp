@@ -297,7 +297,7 @@ private:
         } else if (!saved.problem.empty()) {
             Fail(saved.problem);
         }
-        if (save.endsFile) m_progress.Advance();
+        if (save.endsFile && (saved.done || !saved.problem.empty())) m_progress.Advance();
     }
 
     void Fail(const std::string& problem) {
