@@ -28,7 +28,7 @@
 #include "host/Imaging.h"
 
 inline constexpr uint32_t kHostMaxImageSide = 65535;
-inline constexpr uint64_t kHostMaxImageBytes = uint64_t{4095} << 20;  // a BMP file's length has 32 bits
+inline constexpr uint64_t kHostMaxImageBytes = (uint64_t{2} << 30) - 1;
 inline constexpr uint64_t kHostMaxFileBytes = uint64_t{1} << 30;
 
 enum HostImageFormat : int32_t {

@@ -4,8 +4,9 @@
 
 #include "refhost/imaging/HostImaging.h"
 #include "refhost/imaging/RowConvert.h"
+#include "refhost/imaging/WicJpeg.h"
 #include "refhost/reader/FileFacts.h"
-#include "refhost/reader/Tiff.h"
+#include "refhost/reader/TiffPage.h"
 
 namespace imaging {
 
@@ -165,6 +166,12 @@ std::unique_ptr<ImageFile> ImageFile::Open(const wchar_t* path) {
 ImageFile::ImageFile(std::wstring name, std::vector<uint8_t> bytes)
     : m_name(std::move(name)), m_bytes(std::move(bytes)) {
     if (m_bytes.empty()) throw ImageError{L"the file is empty; scan or export the page again"};
+    if (IsTiff(m_bytes)) {
+        m_directories = TiffDirectories(m_bytes);
+        m_frames = static_cast<uint32_t>(m_directories.size());
+        if (m_frames == 0) throw ImageError{L"the file holds no image; scan or export the page again"};
+        return;
+    }
     m_factory = CreateFactory();
     Check(m_factory->CreateStream(&m_stream));
     Check(m_stream->InitializeFromMemory(m_bytes.data(), static_cast<DWORD>(m_bytes.size())));
@@ -174,14 +181,6 @@ ImageFile::ImageFile(std::wstring name, std::vector<uint8_t> bytes)
         Check(m_factory->CreateDecoderFromStream(m_stream, nullptr, WICDecodeMetadataCacheOnDemand, &m_decoder));
     }
     Check(m_decoder->GetFrameCount(&m_frames));
-    // The decoder leaves out pages behind a broken link without a word, and counts thousands where links run in a
-    // circle.
-    const uint32_t linked = CountTiffFrames([&](uint32_t offset, uint8_t* to, size_t size) {
-        if (offset > m_bytes.size() || m_bytes.size() - offset < size) return false;
-        std::copy_n(m_bytes.begin() + offset, size, to);
-        return true;
-    });
-    if (linked > 0) m_frames = linked;
     if (m_frames == 0) throw ImageError{L"the file holds no image; scan or export the page again"};
 }
 
@@ -191,11 +190,26 @@ void ImageFile::CheckFrame(uint32_t frame) const {
                      std::to_wstring(m_frames)};
 }
 
+TiffDirectory ImageFile::Directory(uint32_t frame) const {
+    auto directory = TiffDirectory::Read(m_bytes, m_directories[frame], m_bytes[0] == 'M');
+    if (!directory) {
+        throw ImageError{L"the end of the file is missing; copy it anew from its source or scan the page again"};
+    }
+    return *std::move(directory);
+}
+
 HostFrameSize ImageFile::Size(uint32_t frame) const {
     CheckFrame(frame);
+    HostFrameSize size = {};
+    if (!m_directories.empty()) {
+        const TiffPage page(m_bytes, Directory(frame));
+        const TiffLayout& layout = page.Layout();
+        size = {layout.width, layout.height, layout.ResultBits(), 0, page.WorkingBytes(WicJpeg())};
+        size.imageBytes = Bitmap::Check(size.width, size.height, size.bitsPerPixel);
+        return size;
+    }
     IWICBitmapFrameDecodePtr decoded;
     Check(m_decoder->GetFrame(frame, &decoded));
-    HostFrameSize size = {};
     Check(decoded->GetSize(&size.width, &size.height));
     GUID wic = {};
     Check(decoded->GetPixelFormat(&wic));
@@ -207,6 +221,12 @@ HostFrameSize ImageFile::Size(uint32_t frame) const {
 
 std::shared_ptr<const Bitmap> ImageFile::Decode(uint32_t frame, double dpiX, double dpiY) const {
     CheckFrame(frame);
+    if (!m_directories.empty()) {
+        const TiffDirectory directory = Directory(frame);
+        const std::shared_ptr<Bitmap> bitmap = TiffPage(m_bytes, directory).Decode(*std::make_unique<WicJpeg>());
+        bitmap->resolution = ResolveResolution(directory.DpiX(), directory.DpiY(), dpiX, dpiY);
+        return bitmap;
+    }
     const FileFacts facts = ReadFileFacts(m_bytes, frame);
     if (facts.truncated) {
         throw ImageError{L"the end of the file is missing; copy it anew from its source or scan the page again"};
@@ -236,8 +256,7 @@ std::shared_ptr<const Bitmap> ImageFile::Decode(uint32_t frame, double dpiX, dou
 std::vector<uint8_t> ImageFile::ExtractFrame(uint32_t frame) const {
     CheckFrame(frame);
     if (m_frames == 1) return {};
-    const auto directory = TiffFrame(m_bytes, frame);
-    return directory ? ExtractTiffFrame(m_bytes, *directory) : std::vector<uint8_t>();
+    return ExtractTiffFrame(m_bytes, Directory(frame));
 }
 
 }  // namespace imaging

@@ -14,6 +14,7 @@
 
 #include "refhost/imaging/HostImaging.h"
 #include "refhost/imaging/Image.h"
+#include "refhost/reader/Tiff.h"
 
 namespace imaging {
 
@@ -49,6 +50,7 @@ public:
 
 private:
     void CheckFrame(uint32_t frame) const;
+    TiffDirectory Directory(uint32_t frame) const;
 
     std::wstring m_name;
     std::vector<uint8_t> m_bytes;
@@ -56,6 +58,7 @@ private:
     IWICStreamPtr m_stream;
     IWICBitmapDecoderPtr m_decoder;
     uint32_t m_frames = 0;
+    std::vector<uint32_t> m_directories;  // places of a TIFF's pages; empty for other files
 };
 
 }  // namespace imaging

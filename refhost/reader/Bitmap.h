@@ -19,12 +19,14 @@ struct ImageError {
 };
 
 inline constexpr uint32_t kMaxSide = 65535;
-inline constexpr uint64_t kMaxPixelBytes = uint64_t{4095} << 20;
+inline constexpr uint64_t kMaxPixelBytes = (uint64_t{2} << 30) - 1;
 
 class Bitmap {
 public:
     // Pixels are not initialised. Throws ImageError beyond the limits, std::bad_alloc without memory.
     Bitmap(uint32_t width, uint32_t height, uint32_t bits);
+    // Throws ImageError for a size that no bitmap can have; gives the bytes that its pixels take.
+    static uint64_t Check(uint32_t width, uint32_t height, uint32_t bits);
 
     uint32_t Width() const { return m_width; }
     uint32_t Height() const { return m_height; }

@@ -1,0 +1,19 @@
+#pragma once
+// JPEG streams on the system's codec.
+
+#include "refhost/imaging/WicFile.h"
+#include "refhost/reader/TiffPage.h"
+
+namespace imaging {
+
+class WicJpeg final : public JpegDecoder {
+public:
+    void Decode(std::span<const uint8_t> stream, uint32_t width, uint32_t height, uint32_t samples,
+                uint8_t* to) override;
+    uint64_t Memory(uint32_t width, uint32_t height, uint32_t samples) const override;
+
+private:
+    IWICImagingFactoryPtr m_factory;  // made when the first stream is decoded
+};
+
+}  // namespace imaging
