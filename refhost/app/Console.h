@@ -8,7 +8,9 @@
 
 namespace zonhost {
 
+// To standard output. Throws CommandError (kNothingDone) when not all of it arrives there.
 void Print(std::string_view text);
+// To standard error, as far as it goes: there is nowhere else to tell.
 void PrintError(std::string_view text);
 // Whether messages go to a person's terminal.
 bool ErrorsGoToTerminal();

@@ -9,7 +9,7 @@
 namespace zonhost {
 
 ExitCode ManageSets(const CommonOptions& common, const ManageOptions& options) {
-    HostSession session(common, HostSession::Settings::kMayBeNew);
+    HostSession session(common, FilesOfWindow(common, options.window), HostSession::Settings::kMayBeNew);
     const WindowHost windows(options.window);
     if (!session.Library().ManageSets(windows.Owner(), windows.Quire())) {
         throw CommandError(ExitCode::kNothingDone, "the dialog could not be opened; --verbose shows the log");

@@ -171,7 +171,7 @@ int HostCreateOutput(const wchar_t* path, int format, void** output) {
         path == nullptr ? L"" : path,
         [&] {
             Require(path != nullptr && output != nullptr, kNullArgument);
-            *output = std::make_unique<Output>(path, static_cast<HostImageFormat>(format)).release();
+            *output = std::make_unique<Output>(path, format).release();
         },
         Doing::kWriting);
 }
@@ -183,6 +183,17 @@ int HostAppendImage(void* output, void* image) {
         [&] {
             Require(open != nullptr, kNullArgument);
             open->Append(*Live().Find(image));
+        },
+        Doing::kWriting);
+}
+
+int HostAppendBmp(void* output, const void* bytes, size_t length) {
+    auto* open = static_cast<Output*>(output);
+    return Guard(
+        open == nullptr ? L"" : open->Name(),
+        [&] {
+            Require(open != nullptr && bytes != nullptr, kNullArgument);
+            open->Append(std::span<const uint8_t>(static_cast<const uint8_t*>(bytes), length));
         },
         Doing::kWriting);
 }

@@ -36,6 +36,8 @@ enum HostImageFormat : int32_t {
     kHostFormatTiff = 2,
     kHostFormatBmp = 3,
 };
+// Added to the format of an output file: it takes no other file's place, HostCommitOutput fails where one is.
+inline constexpr int kHostFormatNewFile = 0x100;
 
 struct HostImageInfo {
     uint32_t width;              // pixels
@@ -89,9 +91,12 @@ int HostGetImageInfo(void* image, HostImageInfo* info);
 int HostGetImagePixels(void* image, HostImagePixels* pixels);
 
 // An output file. It is written under a name of its own beside `path` and takes its place, replacing an older file, in
-// HostCommitOutput only. PNG and BMP take one image, TIFF any number, each a frame.
+// HostCommitOutput only, when every byte of it is on the disk. PNG and BMP take one image, TIFF any number, each a
+// frame.
 int HostCreateOutput(const wchar_t* path, int format, void** output);
 int HostAppendImage(void* output, void* image);
+// The same for a BMP file in memory, as CreateAreaSetImage gives it, without a copy of its pixels.
+int HostAppendBmp(void* output, const void* bytes, size_t length);
 // Finishes the file. The handle is gone afterwards, also on failure: then nothing is left on disk.
 int HostCommitOutput(void* output);
 // Drops what was written; null does nothing.

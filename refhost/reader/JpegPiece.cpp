@@ -92,7 +92,7 @@ bool IsJpegFrame(uint8_t marker) {
 
 bool HasJpegEnd(Bytes scans) {
     static constexpr uint8_t kEndMarker[] = {0xFF, kEndOfImage};
-    return !std::ranges::find_end(scans, kEndMarker).empty();
+    return std::find_end(scans.begin(), scans.end(), std::begin(kEndMarker), std::end(kEndMarker)) != scans.end();
 }
 
 JpegPiece MakeJpegPiece(Bytes tables, Bytes piece, JpegColours colours) {
