@@ -23,13 +23,11 @@ struct File {
         file[1] = 'M';
         reader::Put32(&file[10], static_cast<uint32_t>(file.size() + middle.size()));
         reader::Put32(&file[14], header);
-        const int size = header == 12 ? 2 : 4;
-        uint8_t* at = &file[18];
-        for (const auto [value, length] :
-             {std::pair{width, size}, {height, size}, {1, 2}, {static_cast<int>(bits), 2}}) {
-            reader::Put(at, static_cast<uint32_t>(value), length, false);
-            at += length;
-        }
+        const size_t size = header == 12 ? 2 : 4;
+        reader::Put(&file[18], static_cast<uint32_t>(width), static_cast<int>(size), false);
+        reader::Put(&file[18 + size], static_cast<uint32_t>(height), static_cast<int>(size), false);
+        file[18 + 2 * size] = 1;  // planes
+        file[20 + 2 * size] = static_cast<uint8_t>(bits);
         if (header >= 40) {
             reader::Put32(&file[30], compression);
             reader::Put32(&file[38], 11811);
@@ -130,9 +128,10 @@ TEST(BmpPage, RunLengths) {
         {"skip", 8, {1, 1, 0, 2, 2, 1, 2, 2, 0, 1}, "000000002210000"},
         {"as they are, padded", 8, {0, 3, 1, 2, 3, 9, 2, 4, 0, 1}, "000000000012344"},
         {"halves", 4, {5, 0x12, 0, 0, 0, 5, 0x34, 0x56, 0x70, 9, 0, 0, 0, 3, 0x12, 0x30, 0, 1}, "123003456712121"},
-        {"run beyond its row", 8, {6, 1, 0, 1}, nullptr},
-        {"pixels beyond their row", 4, {3, 1, 0, 3, 0x12, 0x30, 0, 1}, nullptr},
-        {"skip beyond the row", 8, {1, 1, 0, 2, 5, 0, 0, 1}, nullptr},
+        {"padding in the runs", 8, {8, 1, 0, 0, 5, 2, 3, 9, 0, 0, 0, 6, 3, 3, 3, 3, 3, 9, 0, 1}, "333332222211111"},
+        {"run beyond its row", 8, {5, 1, 4, 1, 0, 1}, nullptr},
+        {"pixels beyond their row", 4, {6, 1, 0, 3, 0x12, 0x30, 0, 1}, nullptr},
+        {"skip beyond the row", 8, {1, 1, 0, 2, 8, 0, 0, 1}, nullptr},
         {"skip beyond the bitmap", 8, {0, 2, 0, 4, 0, 1}, nullptr},
         {"row beyond the bitmap", 8, {0, 0, 0, 0, 0, 0, 1, 1, 0, 1}, nullptr},
         {"no end", 8, {5, 1, 0, 0, 5, 2, 0, 0, 4, 3}, nullptr},
