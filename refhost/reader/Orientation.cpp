@@ -27,7 +27,7 @@ void MirrorBits(uint8_t* row, uint32_t width) {
     if (shift == 0) return;
     for (size_t i = 0; i < bytes; ++i) {
         const uint32_t next = i + 1 < bytes ? row[i + 1] : 0U;
-        row[i] = static_cast<uint8_t>((row[i] << 8 | next) >> (8 - shift));
+        row[i] = static_cast<uint8_t>((uint32_t{row[i]} << 8 | next) >> (8 - shift));
     }
 }
 
