@@ -93,9 +93,10 @@ private:
         constexpr uint32_t kBits[] = {1, 2, 4, 8, 16, 24, 32};
         const bool masks = compression == kMasks || compression == kMasksWithAlpha;
         m_layout.runLengths = compression == kRle8 || compression == kRle4;
-        const bool fits = masks                 ? bits == 16 || bits == 32
-                          : m_layout.runLengths ? bits == (compression == kRle8 ? 8U : 4U)
-                                                : std::ranges::find(kBits, bits) != std::end(kBits);
+        const bool fits = masks ? bits == 16 || bits == 32
+                          : m_layout.runLengths
+                              ? bits == (compression == kRle8 ? 8U : 4U)
+                              : std::find(std::begin(kBits), std::end(kBits), bits) != std::end(kBits);
         if (!fits)
             RefuseBmp(L"of " + std::to_wstring(bits) + L" bits with compression " + std::to_wstring(compression));
         if (m_layout.runLengths && m_layout.topDown) RefuseBmp(L"with run lengths from the top down");

@@ -27,7 +27,7 @@ void MirrorBits(uint8_t* row, uint32_t width) {
     if (shift == 0) return;
     for (size_t i = 0; i < bytes; ++i) {
         const uint32_t next = i + 1 < bytes ? row[i + 1] : 0U;
-        row[i] = static_cast<uint8_t>((row[i] << 8 | next) >> (8 - shift));
+        row[i] = static_cast<uint8_t>((uint32_t{row[i]} << 8 | next) >> (8 - shift));
     }
 }
 
@@ -65,7 +65,7 @@ public:
     // In blocks that stay in the processor's cache.
     template <size_t kBytes>
     void Pixels() const {
-        constexpr uint32_t kBlock = 64;
+        constexpr uint32_t kBlock = 256;
         const uint8_t* rows[kBlock];
         for (uint32_t left = 0; left < m_to.Width(); left += kBlock) {
             const uint32_t count = std::min(kBlock, m_to.Width() - left);
@@ -106,7 +106,10 @@ private:
         exchange(0x0000CCCC0000CCCC, 14);
         exchange(0x00000000F0F0F0F0, 28);
         const uint32_t columns = std::min(8U, m_from.Width() - x);
-        for (uint32_t i = 0; i < columns; ++i) TargetRow(x + i)[left / 8] = static_cast<uint8_t>(bits >> (56 - 8 * i));
+        uint8_t* to = TargetRow(x) + left / 8;
+        const auto stride = static_cast<ptrdiff_t>(m_to.Stride());
+        const ptrdiff_t down = m_fromRight ? stride : -stride;
+        for (uint32_t i = 0; i < columns; ++i) to[down * i] = static_cast<uint8_t>(bits >> (56 - 8 * i));
     }
 
     const Bitmap& m_from;
