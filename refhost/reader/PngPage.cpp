@@ -110,7 +110,8 @@ public:
     std::shared_ptr<Bitmap> Run() {
         uint64_t total = 0;
         for (const Pass& pass : PassesOf(m_page.m_interlaced)) total += (Size(Width(pass)) + 1) * Rows(pass);
-        const auto decoder = MakeInflater(m_page.m_data, static_cast<size_t>(total));
+        const auto decoder = MakeInflater();
+        decoder->Start(std::span(m_page.m_data), static_cast<size_t>(total));
         for (const Pass& pass : PassesOf(m_page.m_interlaced)) Decode(*decoder, pass);
         decoder->End();
         for (uint32_t y = 0; y < m_page.m_height; ++y) m_bitmap->ClearPadding(y);

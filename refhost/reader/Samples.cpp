@@ -55,7 +55,15 @@ uint8_t PremultipliedOverWhite(uint32_t colour, uint32_t alpha) {
 }  // namespace
 
 void UndoDifferences(uint8_t* row, uint32_t bits, size_t count, size_t step) {
-    if (bits == 8) {
+    if (bits == 8 && step == 1) {
+        uint8_t sum = 0;
+        for (size_t i = 0; i < count; ++i) row[i] = sum = static_cast<uint8_t>(sum + row[i]);
+    } else if (bits == 8 && step == 3) {
+        uint8_t sums[3] = {};
+        for (size_t i = 0; i + 3 <= count; i += 3) {
+            for (size_t c = 0; c < 3; ++c) row[i + c] = sums[c] = static_cast<uint8_t>(sums[c] + row[i + c]);
+        }
+    } else if (bits == 8) {
         for (size_t i = step; i < count; ++i) row[i] = static_cast<uint8_t>(row[i] + row[i - step]);
     } else if (bits == 16) {
         Accumulate<uint16_t>(row, count, step);
@@ -126,6 +134,18 @@ const uint8_t* SampleConverter::Bytes(const uint8_t* const* planes, uint32_t cou
     return m_bytes.data();
 }
 
+void SampleConverter::ThreeColours(const uint8_t* from, uint32_t count, uint8_t* to) const {
+    if (m_blueFirst) {
+        std::memcpy(to, from, size_t{count} * 3);
+        return;
+    }
+    for (uint32_t x = 0; x < count; ++x, from += 3, to += 3) {
+        to[0] = from[2];
+        to[1] = from[1];
+        to[2] = from[0];
+    }
+}
+
 template <class Mix>
 void SampleConverter::Pixels(const uint8_t* from, uint32_t count, uint8_t* to, Mix mix) const {
     const uint32_t colors = m_layout.ResultBits() / 8;
@@ -150,6 +170,7 @@ void SampleConverter::Convert(const uint8_t* const* planes, uint32_t count, uint
     if (single && m_layout.bits <= 8) return Indices(planes[0], count, to);
     const uint8_t* from = Bytes(planes, count);
     const uint32_t colors = m_layout.colors;
+    if (colors == 3 && m_layout.samples == 3) return ThreeColours(from, count, to);
     if (m_layout.photometric == tiff::kSeparated) {
         return Pixels(from, count, to, [this](const uint8_t* pixel, uint32_t ink) {
             const uint32_t colour = ((255U - pixel[ink]) * (255U - pixel[3]) + 127) / 255;

@@ -104,22 +104,24 @@ private:
     void Rows(uint32_t index, uint32_t line, uint32_t column) {
         const uint32_t rows = m_layout.Rows(line);
         const auto rowBytes = static_cast<size_t>(m_layout.RowBytes());
-        const Coding coding = tiff::CodingOf(m_layout.compression, [] {});
         std::vector<PieceInput> inputs;
-        std::vector<std::unique_ptr<Decoder>> decoders;
+        inputs.reserve(m_layout.Planes());
+        m_changed.resize(m_layout.Planes());
         for (uint32_t plane = 0; plane < m_layout.Planes(); ++plane) {
             inputs.emplace_back(m_page.PieceBytes(index + plane * PlaneStep()), m_layout.lowBitFirst);
-            decoders.push_back(MakeDecoder(coding, inputs.back().Bytes(), rowBytes * rows));
+            if (plane == m_decoders.size()) {
+                m_decoders.push_back(MakeDecoder(tiff::CodingOf(m_layout.compression, [] {})));
+            }
+            m_decoders[plane]->Start(inputs.back().Bytes(), rowBytes * rows);
         }
-        std::vector<std::vector<uint8_t>> changed(decoders.size());
-        std::vector<const uint8_t*> planes(decoders.size());
+        std::vector<const uint8_t*> planes(m_decoders.size());
         for (uint32_t y = 0; y < rows; ++y) {
             for (size_t plane = 0; plane < planes.size(); ++plane) {
-                planes[plane] = Plain(decoders[plane]->Next(rowBytes), rowBytes, changed[plane]);
+                planes[plane] = Plain(m_decoders[plane]->Next(rowBytes), rowBytes, m_changed[plane]);
             }
             Put(planes.data(), line * m_layout.pieceHeight + y, column);
         }
-        for (const auto& decoder : decoders) decoder->End();
+        for (const auto& decoder : m_decoders) decoder->End();
     }
 
     // The row with its differences undone, in this machine's byte order.
@@ -207,6 +209,8 @@ private:
     SampleConverter m_converter;
     std::shared_ptr<Bitmap> m_bitmap;
     FaxCoding m_fax;
+    std::vector<std::unique_ptr<Decoder>> m_decoders;  // one a plane
+    std::vector<std::vector<uint8_t>> m_changed;
     std::vector<uint8_t> m_tile;
 };
 
