@@ -65,11 +65,11 @@ struct Row {
     const char* name;
     void (*measure)();
 };
-constexpr Row kRows[] = {{"copy", bench::MaskedCopy},       {"packed", bench::PackedCopy},
-                         {"query", bench::QueryExports},    {"enumerate", bench::Enumeration},
-                         {"settings", bench::LoadAndStore}, {"scale", bench::PageScaling},
-                         {"repaint", bench::Repaint},       {"turn", bench::PageTurn},
-                         {"dialogs", bench::Dialogs},       {"load", bench::Loading}};
+constexpr Row kRows[] = {
+    {"copy", bench::MaskedCopy},       {"packed", bench::PackedCopy},     {"query", bench::QueryExports},
+    {"enumerate", bench::Enumeration}, {"settings", bench::LoadAndStore}, {"scale", bench::PageScaling},
+    {"repaint", bench::Repaint},       {"turn", bench::PageTurn},         {"dialogs", bench::Dialogs},
+    {"load", bench::Loading},          {"decode", bench::Decoding}};
 
 }  // namespace
 

@@ -39,5 +39,6 @@ void Repaint();
 void PageTurn();
 void Dialogs();
 void Loading();
+void Decoding();
 
 }  // namespace bench

@@ -1,5 +1,6 @@
 // The masking core natively, for the comparison with native libraries in one process.
 #include "bench/MaskPages.h"
+#include "refhost/reader/Ccitt.h"
 
 extern "C" {
 
@@ -29,5 +30,10 @@ int BenchRects(void* page, uint32_t* numbers, int room) {
 void BenchMask(void* page, uint8_t* target) {
     const auto* made = static_cast<bench::MaskPage*>(page);
     imaging::CopyMasked(made->image, made->mask, target);
+}
+// Decodes a strip of Group 4 into packed rows; 1 when all are there.
+int BenchFax(const uint8_t* bytes, uint64_t size, uint32_t width, uint32_t rows, uint8_t* to) {
+    const reader::FaxRows target = {to, static_cast<ptrdiff_t>((width + 7) / 8), width, rows, 0};
+    return reader::DecodeFax({bytes, size}, reader::FaxCoding::kGroup4, target) == reader::FaxResult::kWhole ? 1 : 0;
 }
 }

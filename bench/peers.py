@@ -1,14 +1,16 @@
 #!/usr/bin/python3
 """Masks the same page natively with our core and with other libraries, all in memory and taking turns.
 
-peers.py LIBRARY ROW...   rows: copy-native packed-peers peers
+peers.py LIBRARY PAGES ROW...   rows: copy-native packed-peers peers fax
 Prints lines "pair ROW DETAIL OURS THEIRS" in nanoseconds, tabs between.
 """
 import ctypes
 import statistics
 import subprocess
 import sys
+import tempfile
 import time
+from pathlib import Path
 
 import numpy
 
@@ -243,5 +245,46 @@ def row_peers():
             compare("peers-magick", f"ImageMagick, {word}", page.mask, lambda: None, 5, imagemagick(page))
 
 
-for argument in sys.argv[2:]:
-    {"copy-native": row_copy_native, "packed-peers": row_packed_peers, "peers": row_peers}[argument]()
+class Fax:
+    """A G4 page in one strip, opened by libtiff."""
+
+    def __init__(self, lib, path):
+        self.lib, self.file = lib, ctypes.c_void_p(lib.TIFFOpen(path.encode(), b"r"))
+        width, height = ctypes.c_uint32(), ctypes.c_uint32()
+        lib.TIFFGetField(self.file, 256, ctypes.byref(width))
+        lib.TIFFGetField(self.file, 257, ctypes.byref(height))
+        self.width, self.height = width.value, height.value
+        self.raw = numpy.zeros(lib.TIFFRawStripSize(self.file, 0), numpy.uint8)
+        lib.TIFFReadRawStrip(self.file, 0, self.address(self.raw), ctypes.c_ssize_t(self.raw.size))
+        size = (self.width + 7) // 8 * self.height
+        self.mine, self.theirs = numpy.zeros(size, numpy.uint8), numpy.zeros(size, numpy.uint8)
+
+    @staticmethod
+    def address(array):
+        return ctypes.c_void_p(array.ctypes.data)
+
+    def decode(self):
+        good = ours.BenchFax(self.address(self.raw), ctypes.c_uint64(self.raw.size), self.width, self.height,
+                             self.address(self.mine))
+        if good != 1:
+            sys.exit("peers.py: a fax page is not decoded")
+
+    def libtiff(self):
+        self.lib.TIFFReadEncodedStrip(self.file, 0, self.address(self.theirs), ctypes.c_ssize_t(-1))
+
+
+def row_fax():
+    lib = ctypes.CDLL("libtiff.so.6")
+    lib.TIFFOpen.restype = ctypes.c_void_p
+    lib.TIFFRawStripSize.restype = lib.TIFFReadRawStrip.restype = lib.TIFFReadEncodedStrip.restype = ctypes.c_ssize_t
+    for path in sorted(Path(sys.argv[2]).glob("ccitt*.tif")):
+        with tempfile.NamedTemporaryFile(suffix=".tif") as one:
+            subprocess.run(["tiffcp", "-c", "g4", "-r", "100000", path, one.name], check=True)
+            page = Fax(lib, one.name)
+            compare("fax", path.stem, page.decode, page.libtiff, 15, repeats=5)
+            if not numpy.array_equal(page.mine, page.theirs):
+                sys.exit(f"peers.py: {path.name} is decoded otherwise by libtiff")
+
+
+for argument in sys.argv[3:]:
+    {"copy-native": row_copy_native, "packed-peers": row_packed_peers, "peers": row_peers, "fax": row_fax}[argument]()

@@ -31,6 +31,8 @@ ROWS = {
     "peers-vips": ("native", "peers", "masking grey and RGB, to libvips", "faster", 10),
     "peers-magick": ("native", "peers", "masking grey and RGB, to ImageMagick", "faster", 10),
     "batch": ("batch", "batch", "zonhost mask over 100 pages", "faster", 1),
+    "decode": ("decode", "decode", "decoding a 600 dpi A4 page, to the first release", "most", 1.05),
+    "fax": ("native", "fax", "decoding G4 pages natively, to libtiff", "faster", 1),
     "query": ("windows", "query", "query export, to a bare mutex", "most", 1.1),
     "query-scatter": ("windows", "query", "what that measurement scatters by", "most", None),
     "enumerate": ("windows", "enumerate", "enumerating 10,000 sets, per set", "most", 1.2),
@@ -126,11 +128,23 @@ def batch():
                 yield ["pair", "batch", f"{extension.upper()}, {name}", mine, other]
 
 
+def decode():
+    """Each kind of page by the imaging library of the first release and by this one."""
+    folder = out / "kinds" / "pages"
+    shutil.rmtree(folder.parent, ignore_errors=True)
+    lines_of([sys.executable, here / "kinds.py", folder, sorted(pages.glob("ccitt4*.tif"))[0]])
+    before = build.parent / "bench-before" / "bin" / "HostImaging.dll"
+    environment = os.environ | {"BENCH_BEFORE": f"Z:{before}", "BENCH_PAGES": f"Z:{folder}"}
+    return lines_of([wine, build / "bin" / "bench.exe", "decode"], env=environment)
+
+
 def measure(program, argument):
     if program == "batch":
         return batch()
+    if program == "decode":
+        return decode()
     if program == "native":
-        return lines_of(["taskset", "-c", "0", sys.executable, here / "peers.py", library, argument])
+        return lines_of(["taskset", "-c", "0", sys.executable, here / "peers.py", library, pages, argument])
     return lines_of([wine, build / "bin" / "bench.exe", argument])
 
 

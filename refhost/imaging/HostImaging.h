@@ -28,7 +28,7 @@
 #include "host/Imaging.h"
 
 inline constexpr uint32_t kHostMaxImageSide = 65535;
-inline constexpr uint64_t kHostMaxImageBytes = uint64_t{4095} << 20;  // a BMP file's length has 32 bits
+inline constexpr uint64_t kHostMaxImageBytes = (uint64_t{2} << 30) - 1;
 inline constexpr uint64_t kHostMaxFileBytes = uint64_t{1} << 30;
 
 enum HostImageFormat : int32_t {
@@ -44,6 +44,7 @@ struct HostImageInfo {
     uint32_t resolutionAssumed;  // 1 when the file gave none for at least one axis and the caller neither
     double dpiX;
     double dpiY;
+    uint32_t orientation;  // 1 to 8, as the file stores the page; 1 is upright already
 };
 
 // What a frame's headers tell before its pixels are decoded.
@@ -51,6 +52,7 @@ struct HostFrameSize {
     uint32_t width;         // pixels of the image that HostLoadFrame makes
     uint32_t height;        // pixels
     uint32_t bitsPerPixel;  // 1, 8, 24 or 32
+    uint32_t orientation;   // 1 to 8: how the file stores it; the image is upright
     uint64_t imageBytes;    // memory of that image
     uint64_t workingBytes;  // what decoding holds beside it meanwhile, at most
 };

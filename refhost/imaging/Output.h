@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "refhost/imaging/HostImaging.h"
-#include "refhost/imaging/WicFile.h"
+#include "refhost/imaging/Wic.h"
 
 namespace imaging {
 

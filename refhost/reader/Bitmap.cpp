@@ -35,16 +35,28 @@ void FillForTests(uint8_t* pixels, size_t size) {
 
 }  // namespace
 
-Bitmap::Bitmap(uint32_t width, uint32_t height, uint32_t bits) : m_width(width), m_height(height), m_bits(bits) {
+void ThrowDamaged(const std::wstring& what) {
+    throw ImageError{what + L"; copy the file anew from its source or scan the page again"};
+}
+
+void ThrowCutOff() {
+    ThrowDamaged(L"the end of the file is missing");
+}
+
+uint64_t Bitmap::Check(uint32_t width, uint32_t height, uint32_t bits) {
     if (width == 0 || height == 0) throw ImageError{L"the image has no pixels; scan or export the page again"};
     if (width > kMaxSide || height > kMaxSide) {
         throw ImageError{L"the image has more than 65535 pixels on a side; scan it at a lower resolution"};
     }
     const uint64_t stride = (uint64_t{width} * bits + 31) / 32 * 4;
     if (stride * height > kMaxPixelBytes) {
-        throw ImageError{L"the image takes more than 4095 MiB when decoded; scan it at a lower resolution"};
+        throw ImageError{L"the image takes 2 GiB or more when decoded; scan it at a lower resolution"};
     }
-    m_stride = static_cast<size_t>(stride);
+    return stride * height;
+}
+
+Bitmap::Bitmap(uint32_t width, uint32_t height, uint32_t bits) : m_width(width), m_height(height), m_bits(bits) {
+    m_stride = static_cast<size_t>(Check(width, height, bits) / height);
     m_pixels = std::make_unique_for_overwrite<uint8_t[]>(Size());
     FillForTests(m_pixels.get(), Size());
 }

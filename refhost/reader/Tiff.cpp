@@ -10,6 +10,7 @@ namespace reader {
 
 namespace {
 
+constexpr uint32_t kByte = 1;
 constexpr uint32_t kShort = 3;
 constexpr uint32_t kLong = 4;
 constexpr uint32_t kRational = 5;
@@ -93,6 +94,7 @@ const TiffEntry* TiffDirectory::Find(uint32_t tag) const {
 
 uint32_t TiffDirectory::Number(const TiffEntry& entry, uint32_t index) const {
     if (index >= entry.count) return 0;
+    if (entry.type == kByte) return m_file[entry.offset + index];
     if (entry.type == kShort) return Get16(m_file, entry.offset + size_t{index} * 2, m_bigEndian);
     if (entry.type == kLong) return Get32(m_file, entry.offset + size_t{index} * 4, m_bigEndian);
     return 0;
@@ -112,6 +114,13 @@ double TiffDirectory::Dpi(uint32_t tag) const {
     const uint32_t unit = entry == nullptr ? kInch : Number(*entry, 0);
     if (unit == kInch) return Fraction(tag);
     return unit == kCentimetre ? Fraction(tag) * 2.54 : 0;
+}
+
+uint32_t TiffDirectory::Orientation() const {
+    constexpr uint32_t kOrientation = 274;
+    const TiffEntry* entry = Find(kOrientation);
+    const uint32_t value = entry == nullptr ? 1 : Number(*entry, 0);
+    return value >= 1 && value <= 8 ? value : 1;
 }
 
 bool TiffDirectory::IsWhole() const {
@@ -142,24 +151,46 @@ std::optional<TiffDirectory> TiffFrame(std::span<const uint8_t> file, uint32_t f
     return {};
 }
 
-uint32_t CountTiffFrames(const ReadAt& read) {
+namespace {
+
+// Calls `visit` with the place of each directory, as far as the chain goes.
+template <class Read, class Visit>
+void WalkDirectories(const Read& read, const Visit& visit) {
     uint8_t header[8];
-    if (!read(0, header, sizeof header) || !IsTiff(header)) return 0;
+    if (!read(0, header, sizeof header) || !IsTiff(header)) return;
     const bool bigEndian = header[0] == 'M';
     std::set<uint32_t> seen;
     uint32_t offset = Get32(header, 4, bigEndian);
-    uint32_t frames = 0;
-    while (frames < kMaxFrames && offset >= sizeof header && seen.insert(offset).second) {
+    while (seen.size() < kMaxFrames && offset >= sizeof header && seen.insert(offset).second) {
         uint8_t number[4];
-        if (!read(offset, number, 2)) return frames + 1;
+        if (!read(offset, number, 2)) return visit(offset);
         const size_t entries = Get16(std::span(number), 0, bigEndian);
         const uint64_t next = uint64_t{offset} + 2 + entries * kEntrySize;
-        if (entries == 0 || next > UINT32_MAX) break;
-        ++frames;
-        if (!read(static_cast<uint32_t>(next), number, 4)) break;
+        if (entries == 0 || next > UINT32_MAX) return;
+        visit(offset);
+        // Where even the link is missing, pages may be.
+        if (!read(static_cast<uint32_t>(next), number, 4)) return visit(static_cast<uint32_t>(next));
         offset = Get32(number, 0, bigEndian);
     }
+}
+
+}  // namespace
+
+uint32_t CountTiffFrames(const ReadAt& read) {
+    uint32_t frames = 0;
+    WalkDirectories(read, [&](uint32_t) { ++frames; });
     return frames;
+}
+
+std::vector<uint32_t> TiffDirectories(std::span<const uint8_t> file) {
+    std::vector<uint32_t> places;
+    const auto read = [&](uint32_t offset, uint8_t* to, size_t size) {
+        if (offset > file.size() || file.size() - offset < size) return false;
+        std::memcpy(to, file.data() + offset, size);
+        return true;
+    };
+    WalkDirectories(read, [&](uint32_t offset) { places.push_back(offset); });
+    return places;
 }
 
 namespace {

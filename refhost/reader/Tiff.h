@@ -37,6 +37,8 @@ public:
     // Dots per inch; 0 where the directory gives none.
     double DpiX() const { return Dpi(282); }
     double DpiY() const { return Dpi(283); }
+    // 1 to 8; 1 where there is none, or one that does not exist.
+    uint32_t Orientation() const;
     // False when a strip or tile of the image lies beyond the end of the file.
     bool IsWhole() const;
 
@@ -54,12 +56,15 @@ bool IsTiff(std::span<const uint8_t> file);
 // The directory of a frame, counted from 0 along the file's chain.
 std::optional<TiffDirectory> TiffFrame(std::span<const uint8_t> file, uint32_t frame);
 
+// Where the directories of all frames stand, in their order; empty for what is no TIFF. Of a chain that runs in a
+// circle each frame once; of one that leads out of the file also the place where the missing one would be, so that its
+// loss is told when the page is asked for.
+std::vector<uint32_t> TiffDirectories(std::span<const uint8_t> file);
+
 // Reads `size` bytes at a place of a file; false when they are not there.
 using ReadAt = std::function<bool(uint32_t offset, uint8_t* to, size_t size)>;
 
-// The number of frames, found with a few small reads, so that a large file need not be read to know its pages. 0 for
-// what is no TIFF. A chain that runs in a circle counts up to there; one that leads out of the file counts the page
-// that is missing, so that its loss is told when the page is asked for.
+// The number of these, found with a few small reads, so that a large file need not be read to know its pages.
 uint32_t CountTiffFrames(const ReadAt& read);
 
 // A TIFF file with just that frame, its image data byte for byte; empty when the frame cannot be taken out (damaged, or
