@@ -24,6 +24,7 @@ public:
                 m_x = 0;
                 ++m_row;
             } else if (value == kEndOfBitmap) {
+                if (!IsComplete()) ThrowCutOff();
                 return;
             } else if (value == kDelta) {
                 Skip();
@@ -42,7 +43,7 @@ private:
 
     bool IsComplete() const {
         const uint32_t height = m_bitmap.Height();
-        return m_row == height || (m_row + 1 == height && m_x == m_bitmap.Width());
+        return m_row == height || (m_row + 1 == height && m_x >= m_bitmap.Width());
     }
 
     uint8_t Byte() {
@@ -52,9 +53,11 @@ private:
         return m_runs[m_at++];
     }
 
-    // Where the next `count` pixels go. Rows stand from the bottom up, in the file as in the bitmap.
+    // Where the next `count` pixels go. Rows stand from the bottom up, in the file as in the bitmap. Some programs
+    // write the filling of their own rows, to four pixels, as a part of the last run; a row of the bitmap has room for
+    // it.
     uint8_t* Take(uint32_t count) {
-        if (m_row >= m_bitmap.Height() || count > m_bitmap.Width() - m_x) ThrowBeyond();
+        if (m_row >= m_bitmap.Height() || count > m_bitmap.Stride() - m_x) ThrowBeyond();
         uint8_t* to = m_bitmap.Data() + m_row * m_bitmap.Stride() + m_x;
         m_x += count;
         return to;
@@ -72,7 +75,7 @@ private:
     void Skip() {
         const uint8_t right = Byte();
         const uint8_t up = Byte();
-        if (right > m_bitmap.Width() - m_x || up > m_bitmap.Height() - m_row) ThrowBeyond();
+        if (m_x + right > m_bitmap.Width() || up > m_bitmap.Height() - m_row) ThrowBeyond();
         m_x += right;
         m_row += up;
     }

@@ -45,7 +45,7 @@ def tiff2rgba(path):
     out = path + ".rgba"
     run("tiff2rgba", "-c", "none", path, out)
     pixels = np.asarray(Image.open(out)).astype(int)
-    return np.clip(pixels[..., :3] + 255 - pixels[..., 3:], 0, 255).astype(np.uint8)  # by libtiff alpha is in the colours
+    return on_paper(pixels[..., :3], pixels[..., 3])
 
 
 def netpbm(program):

@@ -122,7 +122,7 @@ def bmps(src):
         yield Sample(f"bmp-magick.rle8.{w}x{h}.bmp", magick("-", "-type", "palette", "-compress", "RLE", "bmp3:-"), few, EXACT, BMP_REFS)
         rgba = ["-size", f"{w}x{h}", "-depth", "8", "rgba:-"]
         for subtype in ("RGB565", "RGB555"):
-            yield Sample(f"bmp-magick.{subtype}.{w}x{h}.bmp", magick(*rgba, "-alpha", "off", "-define", f"bmp:subtype={subtype}", "bmp3:-"),
+            yield Sample(f"bmp-magick.{subtype}.{w}x{h}.bmp", magick(*rgba, "-alpha", "off", "-define", f"bmp:subtype={subtype}", "bmp:-"),
                          limits=DEEP, refs=("pillow", "convert"))
         yield Sample(f"bmp-magick.32.{w}x{h}.bmp", magick(*rgba, "-define", "bmp3:alpha=true", "bmp3:-"), c, EXACT, ("pillow", "convert"))
         out = io.BytesIO()
