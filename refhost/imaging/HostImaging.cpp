@@ -6,9 +6,9 @@
 #include <new>
 
 #include "refhost/imaging/ErrorText.h"
+#include "refhost/imaging/ImageFile.h"
 #include "refhost/imaging/LiveImages.h"
 #include "refhost/imaging/Output.h"
-#include "refhost/imaging/WicFile.h"
 
 namespace {
 
@@ -151,8 +151,8 @@ int HostGetImageInfo(void* image, HostImageInfo* info) {
         Require(info != nullptr, kNullArgument);
         const ImagePtr found = Live().Find(image);
         const reader::Bitmap& bitmap = found->Geometry();
-        *info = {bitmap.Width(),      bitmap.Height(),    bitmap.Bits(), bitmap.resolution.assumed ? 1u : 0u,
-                 bitmap.resolution.x, bitmap.resolution.y};
+        *info = {bitmap.Width(),      bitmap.Height(),     bitmap.Bits(),     bitmap.resolution.assumed ? 1u : 0u,
+                 bitmap.resolution.x, bitmap.resolution.y, bitmap.orientation};
     });
 }
 

@@ -46,6 +46,7 @@ struct HostImageInfo {
     uint32_t resolutionAssumed;  // 1 when the file gave none for at least one axis and the caller neither
     double dpiX;
     double dpiY;
+    uint32_t orientation;  // 1 to 8, as the file stores the page; 1 is upright already
 };
 
 // What a frame's headers tell before its pixels are decoded.
@@ -53,6 +54,7 @@ struct HostFrameSize {
     uint32_t width;         // pixels of the image that HostLoadFrame makes
     uint32_t height;        // pixels
     uint32_t bitsPerPixel;  // 1, 8, 24 or 32
+    uint32_t orientation;   // 1 to 8: how the file stores it; the image is upright
     uint64_t imageBytes;    // memory of that image
     uint64_t workingBytes;  // what decoding holds beside it meanwhile, at most
 };

@@ -70,6 +70,7 @@ std::shared_ptr<const Bitmap> Image::Pixels() const {
     if (m_rendered == nullptr) {
         auto rendered = std::make_shared<Bitmap>(m_bitmap->Width(), m_bitmap->Height(), m_bitmap->Bits());
         rendered->resolution = m_bitmap->resolution;
+        rendered->orientation = m_bitmap->orientation;
         CopyMasked(*m_bitmap, m_mask, rendered->Data());
         rendered->palette = m_bitmap->palette;
         rendered->palette = UsedPalette(*rendered, rendered->Data());

@@ -8,7 +8,7 @@
 #include "refhost/files/PartFile.h"
 #include "refhost/imaging/FileStream.h"
 #include "refhost/imaging/HostImaging.h"
-#include "refhost/imaging/WicFile.h"
+#include "refhost/imaging/Wic.h"
 
 namespace imaging {
 

@@ -50,7 +50,7 @@ protected:
 private:
     void Refill(size_t size) {
         const size_t kept = m_filled - m_at;
-        std::memmove(m_block.data(), m_block.data() + m_at, kept);
+        if (kept > 0) std::memmove(m_block.data(), m_block.data() + m_at, kept);
         m_at = 0;
         m_filled = kept;
         const size_t wanted = std::max(size - kept, std::min(m_left, kBlock));

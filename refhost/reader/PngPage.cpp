@@ -30,14 +30,6 @@ constexpr uint32_t kResolution = Name("pHYs");
 constexpr size_t kSignature = 8;
 constexpr size_t kChunkFrame = 12;  // length, name and checksum
 
-[[noreturn]] void ThrowDamaged(const std::wstring& what) {
-    throw ImageError{what + L"; copy the file anew from its source or scan the page again"};
-}
-
-[[noreturn]] void ThrowCutOff() {
-    ThrowDamaged(L"the end of the file is missing");
-}
-
 // A chunk without which a page cannot be shown has a capital letter in front.
 bool IsNeeded(uint32_t name) {
     return (name & 0x20000000) == 0;
@@ -276,7 +268,7 @@ uint64_t PngPage::RowBytes(uint32_t width) const {
     return (uint64_t{width} * m_layout.samples * m_layout.bits + 7) / 8;
 }
 
-uint64_t PngPage::WorkingBytes() const {
+uint64_t PngPage::WorkingBytes(const JpegDecoder&) const {
     const uint64_t row = RowBytes(m_width);
     return DecoderMemory(Coding::kDeflate, (row + 1) * m_height * 2) + 8 * row + 4 * uint64_t{m_width};
 }
@@ -295,7 +287,7 @@ std::vector<uint32_t> PngPage::Palette() const {
     return palette;
 }
 
-std::shared_ptr<Bitmap> PngPage::Decode() const {
+std::shared_ptr<Bitmap> PngPage::Decode(JpegDecoder&) const {
     try {
         return Work(*this).Run();
     } catch (const BadPiece& bad) {
