@@ -106,8 +106,9 @@ private:
             m_progress.Report(page + ": has no resolution, taken as " + std::to_string(int(info.dpiX)) +
                               " dpi; use --dpi to give it");
         }
-        if (info.orientation != 1) {
-            m_progress.Report(page + ": turned upright (orientation " + std::to_string(info.orientation) + ")");
+        if (info.orientation > 1) {
+            m_progress.Report(page + ": is stored turned (orientation " + std::to_string(info.orientation) +
+                              "); masked and saved upright");
         }
     }
 

@@ -19,9 +19,10 @@ uint64_t Mebibytes(uint64_t bytes) {
     return (bytes + (uint64_t{1} << 20) - 1) >> 20;
 }
 
-// Decoding holds the image and what it works with, masking the image and the masked one.
+// Decoding holds the image and what it works with; masking holds it, the imaging library's masked copy and the block
+// that the library makes of this one.
 uint64_t MemoryOf(const HostFrameSize& size) {
-    return size.imageBytes + std::max(size.workingBytes, size.imageBytes);
+    return size.imageBytes + std::max(size.workingBytes, 2 * size.imageBytes);
 }
 
 bool IsReady(const auto& future) {

@@ -14,7 +14,7 @@ constexpr size_t kMostAtOnce = size_t{1} << 28;
 
 std::wstring MachineName() {
     wchar_t name[256];
-    DWORD length = static_cast<DWORD>(std::size(name));
+    auto length = static_cast<DWORD>(std::size(name));
     if (!GetComputerNameExW(ComputerNameDnsHostname, name, &length)) return L"unknown";
     std::wstring machine(name, length);
     // Names of machines are short and plain; whatever else one holds must not spoil a file name.
