@@ -28,6 +28,8 @@ public:
                 m_x = 0;
                 ++m_row;
             } else if (value == kEndOfBitmap) {
+                // Pixels may be left out within a row, not at the end of all: that is what a cut file looks like.
+                if (!IsComplete()) ThrowDamaged(L"the page's run lengths end before its last row");
                 return;
             } else if (value == kDelta) {
                 Skip();

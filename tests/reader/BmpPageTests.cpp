@@ -1,8 +1,8 @@
 // BMP files written byte by byte.
 #include "imaging/TestImage.h"
 #include "refhost/reader/BmpPage.h"
-#include "support/FakeJpeg.h"
 #include "refhost/reader/Bytes.h"
+#include "support/FakeJpeg.h"
 
 namespace {
 
@@ -123,11 +123,14 @@ TEST(BmpPage, RunLengths) {
     const Case cases[] = {
         {"rows without an end", 8, {5, 1, 0, 0, 5, 2, 0, 0, 5, 3}, "333332222211111"},
         {"end of the last row", 8, {5, 1, 0, 0, 5, 2, 0, 0, 5, 3, 0, 0}, "333332222211111"},
-        {"everything skipped", 8, {0, 1}, "000000000000000"},
-        {"rows that end early", 8, {2, 1, 0, 0, 0, 0, 3, 2, 0, 1}, "222000000011000"},
-        {"skip", 8, {1, 1, 0, 2, 2, 1, 2, 2, 0, 1}, "000000002210000"},
-        {"as they are, padded", 8, {0, 3, 1, 2, 3, 9, 2, 4, 0, 1}, "000000000012344"},
-        {"halves", 4, {5, 0x12, 0, 0, 0, 5, 0x34, 0x56, 0x70, 9, 0, 0, 0, 3, 0x12, 0x30, 0, 1}, "123003456712121"},
+        {"everything skipped", 8, {0, 2, 5, 2, 0, 1}, "000000000000000"},
+        {"rows that end early", 8, {2, 1, 0, 0, 0, 0, 3, 2, 0, 0, 0, 1}, "222000000011000"},
+        {"skip", 8, {1, 1, 0, 2, 2, 1, 2, 2, 0, 0, 0, 0, 0, 1}, "000000002210000"},
+        {"as they are, padded", 8, {0, 3, 1, 2, 3, 9, 2, 4, 0, 0, 0, 0, 0, 0, 0, 1}, "000000000012344"},
+        {"halves",
+         4,
+         {5, 0x12, 0, 0, 0, 5, 0x34, 0x56, 0x70, 9, 0, 0, 0, 3, 0x12, 0x30, 0, 0, 0, 1},
+         "123003456712121"},
         {"padding in the runs", 8, {8, 1, 0, 0, 5, 2, 3, 9, 0, 0, 0, 6, 3, 3, 3, 3, 3, 9, 0, 1}, "333332222211111"},
         {"run beyond its row", 8, {5, 1, 4, 1, 0, 1}, ""},
         {"pixels beyond their row", 4, {6, 1, 0, 3, 0x12, 0x30, 0, 1}, ""},
@@ -135,6 +138,7 @@ TEST(BmpPage, RunLengths) {
         {"skip beyond the bitmap", 8, {0, 2, 0, 4, 0, 1}, ""},
         {"row beyond the bitmap", 8, {0, 0, 0, 0, 0, 0, 1, 1, 0, 1}, ""},
         {"empty row beyond the bitmap", 8, {0, 0, 0, 0, 0, 0, 0, 0, 0, 1}, ""},
+        {"end before the last row", 8, {5, 1, 0, 0, 5, 2, 0, 1}, ""},
         {"no end", 8, {5, 1, 0, 0, 5, 2, 0, 0, 4, 3}, ""},
         {"end within a code", 8, {0, 5, 1, 2, 3}, ""},
     };
