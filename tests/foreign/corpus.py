@@ -221,7 +221,7 @@ def other_tiffs(src, work, long):
                 out = io.BytesIO()
                 image.save(out, "TIFF", compression=code, tiffinfo=tags, dpi=(204, 196))
                 label = code + "".join(f"-{tag}" for tag in tags)
-                yield Sample(f"pillow-{name}.{label}.{w}x{h}.tif", out.getvalue(), limits=SPREAD if code == "jpeg" else DEEP
+                yield Sample(f"pillow-{name}.{label}.{w}x{h}.tif", out.getvalue(), grey3(white * 255) if name == "b1" else None, limits=SPREAD if code == "jpeg" else DEEP
                              if name in ("cmyk8", "rgba8") else EXACT, refs=("tiff2rgba",) if name != "cmyk8" else ("convert", "tiff2rgba"))
         for name, array, options in [
                 (name, array, [*options, "-compress", code])
