@@ -38,14 +38,14 @@ class Sources:
 
     def __init__(self, pages):
         self.folder = pages
-        self.fax = Image.open(os.path.join(pages, "ccitt1.tif")).convert("L")
+        self.fax = Image.open(os.path.join(pages, "ccitt4.tif")).convert("L")
         self.grey = Image.open("/usr/share/jbigkit-testdata/sandra.pgm").convert("L")
         self.rose = Image.open(io.BytesIO(run(CONVERT, "rose:", "-resize", "400%", "ppm:-")))
 
     def arrays(self, w, h):
         rose = self.rose if w < 180 and h < 120 else self.rose.resize((100 + w, max(60 + h, w * 2 // 3)), 3)
         rose = rose.crop((100, 60, 100 + w, 60 + h))
-        black = np.asarray(self.fax.crop((180, 180, 180 + max(w, 2), 180 + max(h, 2))).resize((w, h), 0)) > 127
+        black = np.asarray(self.fax.crop((200, 300, 200 + w, 300 + h))) > 127
         return black, np.asarray(self.grey.resize((w, h), 3)), np.asarray(rose)
 
 
@@ -221,7 +221,7 @@ def other_tiffs(src, work, long):
                 out = io.BytesIO()
                 image.save(out, "TIFF", compression=code, tiffinfo=tags, dpi=(204, 196))
                 label = code + "".join(f"-{tag}" for tag in tags)
-                yield Sample(f"pillow-{name}.{label}.{w}x{h}.tif", out.getvalue(), limits=SPREAD if code == "jpeg" else DEEP
+                yield Sample(f"pillow-{name}.{label}.{w}x{h}.tif", out.getvalue(), grey3(white * 255) if name == "b1" else None, limits=SPREAD if code == "jpeg" else DEEP
                              if name in ("cmyk8", "rgba8") else EXACT, refs=("tiff2rgba",) if name != "cmyk8" else ("convert", "tiff2rgba"))
         for name, array, options in [
                 (name, array, [*options, "-compress", code])
@@ -237,7 +237,7 @@ def other_tiffs(src, work, long):
             limits = SPREAD if "JPEG" in options else DEEP
             yield Sample(f"magick-{name}.{''.join(options).replace('-', '').replace(':', '')}.{w}x{h}.tif", data, want, limits)
         for options in (["-g3"], ["-g3", "-2d"], ["-g3", "-fill"], ["-g3", "-2d", "-fill"], ["-g4"], ["-lzw"], ["-packbits"],
-                        ["-flate"], ["-g4", "-lsb2msb"], ["-g3", "-2d", "-lsb2msb", "-rowsperstrip=8"]):
+                        ["-flate"], ["-g3", "-2d", "-rowsperstrip=8"]):
             data = run("pamtotiff", "-miniswhite", "-xresolution=204", "-yresolution=196", *options, stdin=pbm(white))
             yield Sample(f"netpbm-b1.{''.join(options).replace('-', '')}.{w}x{h}.tif", data, grey3(white * 255))
         bits1 = [(tiff.BITS, 3, 1), (tiff.PHOTOMETRIC, 3, 0), (tiff.ROWS, 4, h)]

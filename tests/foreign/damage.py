@@ -62,7 +62,7 @@ def spoilt_tiffs(data):
         elif what == 2 and len(page.pieces) > 1:
             del page.pieces[1:]
             yield "pieces missing", file.save(), True
-        elif what == 3 and file.get(tiff.COMPRESSION, page)[0] == 4 and len(piece) > 40 and file.get(tiff.FILL, page, [1]) == [1]:
+        elif what == 3 and file.get(tiff.COMPRESSION, page)[0] == 4 and len(page.pieces[0]) > 40 and file.get(tiff.FILL, page, [1]) == [1]:
             page.pieces[0] = page.pieces[0][:max(4, len(page.pieces[0]) // 20)] + b"\0\x10\x01" + page.pieces[0][20:]
             yield "end of block early", file.save(), True
 
