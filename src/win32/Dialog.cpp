@@ -36,6 +36,12 @@ bool IsReflected(UINT message) {
     return message == WM_DRAWITEM || message == WM_MEASUREITEM || message == WM_DELETEITEM || message == WM_COMPAREITEM;
 }
 
+// Messages that come once for each thing that the user does; a selection comes with every row that it passes.
+bool IsOfUser(UINT message, LPARAM lParam) {
+    if (message == WM_NOTIFY) return reinterpret_cast<const NMHDR*>(lParam)->code != LVN_ITEMCHANGED;
+    return message == WM_COMMAND;
+}
+
 }  // namespace
 
 CDialog::~CDialog() = default;
@@ -127,7 +133,7 @@ INT_PTR CDialog::Dispatch(UINT message, WPARAM wParam, LPARAM lParam) noexcept {
     try {
         handled = Route(message, wParam, lParam, result, handler);
     } catch (...) {
-        HandlerFailed(std::current_exception(), handler, message != WM_COMMAND && message != WM_NOTIFY);
+        HandlerFailed(std::current_exception(), handler, !IsOfUser(message, lParam));
     }
     if (handled) SetWindowLongPtrW(GetSafeHwnd(), DWLP_MSGRESULT, result);
     return handled;

@@ -16,7 +16,7 @@
 //
 // No exception passes through the system's message dispatch. One that leaves the initialisation ends the dialog and
 // comes out of DoModal. One that leaves a later handler is traced and told in a message box, and the dialog stays open:
-// each time, but for what follows the pointer or paints once for each handler and status.
+// each time, but for what follows the pointer or the selection, or paints, once for each handler and status.
 //
 // A host may handle messages within a call of its own. While OK or Cancel runs, or the dialog is busy, the user's
 // commands are dropped, OK and Cancel among them.
