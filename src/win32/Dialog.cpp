@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "host/Controls.h"
+#include "resource.h"
 #include "win32/Failure.h"
 #include "win32/Resources.h"
 
@@ -196,8 +197,9 @@ void CDialog::HandlerFailed(const std::exception_ptr& failure, const void* handl
         if (m_failure == nullptr) m_failure = failure;
         return;
     }
+    const UINT outcome = std::exchange(m_takenBack, 0U);
     try {
-        const win32::FailureReport report = win32::DescribeFailure(failure);
+        const win32::FailureReport report = win32::DescribeFailure(failure, outcome != 0 ? outcome : IDS_KEPT);
         const Reported cause = {handler, report.status};
         if (once) {
             if (std::find(m_reported.begin(), m_reported.end(), cause) != m_reported.end()) return;

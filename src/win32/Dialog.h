@@ -43,6 +43,8 @@ protected:
     virtual bool OnInitDialog();
     virtual void OnOK();
     virtual void OnCancel();
+    // For a handler that fails: the string that tells what of the user's it has taken back.
+    void TellTakenBack(UINT text) { m_takenBack = text; }
     // Whether something runs that no command must come into.
     virtual bool IsBusy() const { return false; }
     // What stands in the control was refused: the place to make it reachable before it gets the focus.
@@ -78,6 +80,7 @@ private:
     State m_state = State::kOpening;
     bool m_controlMissing = false;
     bool m_reporting = false;
+    UINT m_takenBack = 0;
     bool m_ending = false;         // OK or Cancel runs
     std::exception_ptr m_failure;  // of the initialisation
     std::vector<Reported> m_reported;
