@@ -141,6 +141,8 @@ TEST_F(ConfigExports, AnExceptionWhileOpeningIsReportedWithTheHint) {
 // A host without documents shows a blank page, which is no error, and may hand over its settings in its own calls.
 TEST_F(ConfigExports, WithoutAStackABlankPage) {
     std::vector<SAIndexField> fields = {Field(L"Total", {1, 2, 3, 4})};
+    m_tree->booleans[L"RadioPageSource"] = true;
+    Init();
     m_host->quire = nullptr;
     m_host->instead = [this]() -> std::optional<HRESULT> {
         Init();
