@@ -9,7 +9,7 @@
 #include <cstdint>
 
 namespace __gnu_cxx {
-void __freeres();  // the runtime's own, frees the pool
+void __freeres();  // NOLINT(bugprone-reserved-identifier): the runtime's own, frees the pool
 }
 
 namespace dllruntime {
