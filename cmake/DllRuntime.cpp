@@ -9,7 +9,7 @@
 #include <cstdint>
 
 namespace __gnu_cxx {
-void __freeres();  // the runtime's own, frees the pool
+void __freeres();  // NOLINT(bugprone-reserved-identifier): the runtime's own, frees the pool
 }
 
 namespace dllruntime {
@@ -144,8 +144,10 @@ int __wrap_pthread_setspecific(unsigned key, const void* value) {
     Values* own = Own();
     if (own == nullptr) {
         own = static_cast<Values*>(HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, sizeof *own));
-        if (own == nullptr) return ENOMEM;
-        TlsSetValue(g_slot, own);
+        if (own == nullptr || !TlsSetValue(g_slot, own)) {
+            HeapFree(GetProcessHeap(), 0, own);
+            return ENOMEM;
+        }
         AcquireSRWLockExclusive(&g_lock);
         own->next = g_threads;
         g_threads = own;

@@ -29,7 +29,7 @@ CAreaSetManager::~CAreaSetManager() {
 }
 
 // Under the lock. The sets are in use only by a call that this one comes from.
-bool CAreaSetManager::MayChange() {
+bool CAreaSetManager::MayChange() const {
     if (!IsExclusive()) return true;
     trace::TraceText(trace::kDiagnostic, kSource, __LINE__,
                      L"CAreaSetManager: the sets are being loaded or stored, nothing was changed.");

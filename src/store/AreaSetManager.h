@@ -86,7 +86,7 @@ private:
     CAreaSet* FindSet(uint32_t dwID, int32_t* pIndex);
     void TakeOut(int32_t position);
     void Clear();
-    bool MayChange();
+    bool MayChange() const;
 
     uint32_t m_dwLastID = 0;
     std::vector<std::unique_ptr<CAreaSet>> m_arrSets;

@@ -68,9 +68,9 @@ bool IsLost(HRESULT status) {
                                  RPC_E_SERVER_DIED,
                                  RPC_E_SERVER_DIED_DNE,
                                  CO_E_OBJNOTCONNECTED,
-                                 HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE),
-                                 HRESULT_FROM_WIN32(RPC_S_CALL_FAILED),
-                                 HRESULT_FROM_WIN32(RPC_S_CALL_FAILED_DNE)};
+                                 MAKE_HRESULT(1, FACILITY_WIN32, 1722),   // RPC_S_SERVER_UNAVAILABLE
+                                 MAKE_HRESULT(1, FACILITY_WIN32, 1726),   // RPC_S_CALL_FAILED
+                                 MAKE_HRESULT(1, FACILITY_WIN32, 1727)};  // RPC_S_CALL_FAILED_DNE
     return std::find(std::begin(kLost), std::end(kLost), status) != std::end(kLost);
 }
 

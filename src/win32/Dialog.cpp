@@ -43,6 +43,12 @@ bool IsOfUser(UINT message, LPARAM lParam) {
     return message == WM_COMMAND;
 }
 
+// What the user gives as a command. What a command itself ends, as the editing of a label, goes on.
+bool IsCommand(UINT message, UINT id, UINT code) {
+    if (message == WM_COMMAND) return id == IDOK || id == IDCANCEL || code <= 1;
+    return message == WM_NOTIFY && (code == LVN_KEYDOWN || code == NM_DBLCLK);
+}
+
 }  // namespace
 
 CDialog::~CDialog() = default;
@@ -140,12 +146,6 @@ INT_PTR CDialog::Dispatch(UINT message, WPARAM wParam, LPARAM lParam) noexcept {
     return handled;
 }
 
-// What the user gives as a command. What a command itself ends, as the editing of a label, goes on.
-bool CDialog::IsDropped(UINT message, UINT id, UINT code) const {
-    if (message == WM_COMMAND) return id == IDOK || id == IDCANCEL || code <= 1;
-    return message == WM_NOTIFY && (code == LVN_KEYDOWN || code == NM_DBLCLK);
-}
-
 bool CDialog::Route(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result, const void*& handler) {
     UINT id = 0;
     UINT code = 0;
@@ -157,7 +157,7 @@ bool CDialog::Route(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result,
         id = static_cast<UINT>(header->idFrom);
         code = header->code;
     }
-    if ((m_ending || IsBusy()) && IsDropped(message, id, code)) return true;
+    if ((m_ending || IsBusy()) && IsCommand(message, id, code)) return true;
     for (const win32::MessageEntry& entry : GetMessageMap()) {
         if (entry.message != message || id < entry.first || id > entry.last || entry.code != code) continue;
         handler = &entry;

@@ -62,7 +62,6 @@ private:
     INT_PTR Initialise(HWND hWnd) noexcept;
     bool CreateHostedControl(const win32::HostedControl& control);
     INT_PTR Dispatch(UINT message, WPARAM wParam, LPARAM lParam) noexcept;
-    bool IsDropped(UINT message, UINT id, UINT code) const;
     bool Route(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result, const void*& handler);
     void HandleEvent(UINT control, DISPID event, const win32::EventArguments& arguments);
     void HandlerFailed(const std::exception_ptr& failure, const void* handler, bool once) noexcept;

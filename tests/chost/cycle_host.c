@@ -56,6 +56,7 @@ IMPORT(void) Sleep(Word);
 IMPORT(Handle) GetStdHandle(Word);
 IMPORT(int) WriteFile(Handle, const void*, Word, Word*, void*);
 IMPORT(char*) GetCommandLineA(void);
+__declspec(dllimport) int wsprintfA(char*, const char*, ...);
 IMPORT(void) ExitProcess(unsigned);
 IMPORT(long) CoInitializeEx(void*, Word);
 IMPORT(void) CoUninitialize(void);
@@ -65,51 +66,32 @@ IMPORT(long) CoRevokeClassObject(Word);
 enum { kThreads = 4, kFirst = 10, kSlotLimit = 2048, kProbes = 32 };
 
 typedef struct {
-    long long slots, handles, heap;
+    int slots, handles, heap;
 } Holdings;
 
-/* Free slots count down as slots are lost. */
-static long long TakenSlots(void) {
+/* Slots that are free, heaps, and the highest of a few new handles, which fill the gaps first: not every system counts
+   a process's handles. */
+static Holdings Measure(void) {
     static Word slots[kSlotLimit];
-    int count = 0;
-    while (count < kSlotLimit && (slots[count] = TlsAlloc()) != 0xFFFFFFFF) ++count;
-    for (int i = 0; i < count; ++i) TlsFree(slots[i]);
-    return -count;
-}
-
-static long long TakenHeap(void) {
-    Handle heaps[64];
-    long long taken = 0;
-    Word count = GetProcessHeaps(64, heaps);
-    for (Word i = 0; i < count && i < 64; ++i) {
+    Handle made[kProbes], heaps[kProbes];
+    Holdings now = {0, 0, 0};
+    Word count = GetProcessHeaps(kProbes, heaps);
+    int free = 0;
+    while (free < kSlotLimit && (slots[free] = TlsAlloc()) != 0xFFFFFFFF) ++free;
+    for (int i = 0; i < free; ++i) TlsFree(slots[i]);
+    now.slots = -free;
+    for (Word i = 0; i < count && i < kProbes; ++i) {
         HeapEntry entry;
         entry.data = 0;
         HeapLock(heaps[i]);
-        while (HeapWalk(heaps[i], &entry)) {
-            if ((entry.flags & 4) != 0) taken += entry.size; /* a block in use */
-        }
+        while (HeapWalk(heaps[i], &entry)) now.heap += (entry.flags & 4) != 0 ? (int)entry.size : 0;
         HeapUnlock(heaps[i]);
     }
-    return taken;
-}
-
-/* The highest of a few new handles, which fill the gaps first. Not every system counts a process's handles. */
-static long long TakenHandles(void) {
-    Handle made[kProbes];
-    long long highest = 0;
     for (int i = 0; i < kProbes; ++i) {
         made[i] = CreateEventA(0, 0, 0, 0);
-        if ((long long)made[i] > highest) highest = (long long)made[i];
+        if ((long long)made[i] / 4 > now.handles) now.handles = (int)((long long)made[i] / 4);
     }
     for (int i = 0; i < kProbes; ++i) CloseHandle(made[i]);
-    return highest / 4;
-}
-
-static Holdings Measure(void) {
-    Holdings now;
-    now.slots = TakenSlots();
-    now.handles = TakenHandles();
-    now.heap = TakenHeap();
     return now;
 }
 
@@ -177,35 +159,14 @@ static int Run(int threads, int cycles) {
     int all = 1;
     g_cycles = cycles;
     g_threads = threads;
-    if (threads == 1) {
-        Cycles(done);
-        return done[0];
-    }
-    for (int i = 0; i < threads; ++i) handles[i] = CreateThread(0, 0, Cycles, &done[i], 0, 0);
+    if (threads == 1) Cycles(done);
+    for (int i = 0; i < threads && threads > 1; ++i) handles[i] = CreateThread(0, 0, Cycles, &done[i], 0, 0);
     for (int i = 0; i < threads; ++i) {
-        WaitForSingleObject(handles[i], 0xFFFFFFFF);
-        CloseHandle(handles[i]);
+        if (threads > 1) WaitForSingleObject(handles[i], 0xFFFFFFFF);
+        if (threads > 1) CloseHandle(handles[i]);
         all = all && done[i];
     }
     return all;
-}
-
-static char g_text[200];
-static void Say(const char* text) {
-    int end = 0;
-    while (g_text[end] != 0) ++end;
-    while (*text != 0) g_text[end++] = *text++;
-}
-static void SayNumber(const char* name, long long value) {
-    char digits[24];
-    int at = 23;
-    unsigned long long rest = value < 0 ? 0ull - (unsigned long long)value : (unsigned long long)value;
-    digits[at] = 0;
-    do digits[--at] = (char)('0' + rest % 10);
-    while ((rest /= 10) != 0);
-    digits[--at] = value < 0 ? '-' : '+';
-    Say(name);
-    Say(digits + at);
 }
 
 /* The word of the command line behind `line`, which ends at a space. */
@@ -221,6 +182,8 @@ void Start(void) {
     const int threads = way[0] == 't' ? kThreads : 1;
     int cycles = 0;
     int held;
+    char text[200];
+    int length;
     Word written;
     Holdings first, last;
     while (*number >= '0' && *number <= '9') cycles = cycles * 10 + (*number++ - '0');
@@ -235,12 +198,8 @@ void Start(void) {
         CloseSettings();
         CoUninitialize();
     }
-    SayNumber("slots ", last.slots - first.slots);
-    SayNumber(", handles ", last.handles - first.handles);
-    SayNumber(", heap ", last.heap - first.heap);
-    Say(held ? "\r\n" : ", a cycle failed\r\n");
-    written = 0;
-    while (g_text[written] != 0) ++written;
-    WriteFile(GetStdHandle((Word)-11), g_text, written, &written, 0);
+    length = wsprintfA(text, "slots %d, handles %d, heap %d%s\r\n", last.slots - first.slots,
+                       last.handles - first.handles, last.heap - first.heap, held ? "" : ", a cycle failed");
+    WriteFile(GetStdHandle((Word)-11), text, (Word)length, &written, 0);
     ExitProcess(!held || last.slots > first.slots || last.handles > first.handles || last.heap > first.heap);
 }
