@@ -195,7 +195,8 @@ std::string FormatAreaSets(const std::vector<AreaSetRecord>& sets) {
         text += &set == sets.data() ? "\n    {\n" : ",\n    {\n";
         if (set.id != 0) text += "      \"id\": " + std::to_string(set.id) + ",\n";
         const std::string name = json(set.name).dump(-1, ' ', false, json::error_handler_t::replace);
-        text += "      \"name\": " + name + ",\n";
+        // The library leaves some of the characters that terminals obey as they are.
+        text += "      \"name\": " + Printable(name) + ",\n";
         text += std::string("      \"mode\": ") + (set.Ignored() ? "\"ignored\"" : "\"required\"") + ",\n";
         if ((set.flags & ~kAreasIgnored) != 0) text += "      \"flags\": " + std::to_string(set.flags) + ",\n";
         const int64_t width = int64_t{set.page.right} - set.page.left;

@@ -8,6 +8,7 @@
 
 namespace zonhost {
 
+// Both print names from files as well: what a terminal would obey is shown as \uXXXX, but for line ends.
 void Print(std::string_view text);
 void PrintError(std::string_view text);
 // Whether messages go to a person's terminal.

@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "refhost/app/Console.h"
+#include "refhost/app/StoredSets.h"
 #include "refhost/com/ClassRegistration.h"
 #include "refhost/settings/HostSettings.h"
 #include "refhost/support/HostSupport.h"
@@ -147,6 +148,27 @@ ZonwickLibrary& HostSession::Library() {
     if (!m_parts->library) {
         m_parts->library = std::make_unique<ZonwickLibrary>();
         m_parts->library->Open(m_parts->root);
+    }
+    return *m_parts->library;
+}
+
+std::vector<TreeSet> HostSession::Sets(ISettingsNode* root) const {
+    return ReadTreeSets(root, m_parts->classes.Dll().Export<decltype(HostSettingsWalk)>("HostSettingsWalk"));
+}
+
+ZonwickLibrary& HostSession::LibraryWith(const TreeSet& set) {
+    const com::HostDll& store = m_parts->classes.Dll();
+    ISettingsNodePtr node;
+    const auto create = store.Export<decltype(HostSettingsCreateNode)>("HostSettingsCreateNode");
+    if (FAILED(create(&node))) FailSettings(store);
+    WriteSet(node, {set.record, set.key, false});
+    m_parts->library = std::make_unique<ZonwickLibrary>();
+    m_parts->library->Open(node);
+    AreaSetRecord wanted = set.record;
+    wanted.page = {};
+    if (m_parts->library->Sets() != std::vector{wanted}) {
+        throw CommandError(ExitCode::kNothingDone, "the library does not read " + set.Title() +
+                                                       " as it stands in the settings file; it is not masked with");
     }
     return *m_parts->library;
 }

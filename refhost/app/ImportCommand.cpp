@@ -65,16 +65,21 @@ bool Wanted(const ImportOptions& options, const std::string& name) {
 std::vector<AreaSetRecord> ReadSettingsFile(const HostSession& session, const std::filesystem::path& path,
                                             const ImportOptions& options) {
     std::vector<AreaSetRecord> sets;
+    const std::string file = Utf8FromPath(path);
     session.Look(path, [&](ISettingsNode* root) {
-        for (const StoredSet& stored : ReadStoredSets(root)) {
-            if (!Wanted(options, stored.name)) continue;
-            const std::string problem = NameProblem(stored.name);
-            if (!problem.empty()) {
-                throw CommandError(ExitCode::kNothingDone, Utf8FromPath(path) + ": " + stored.key +
-                                                               ": the set's name " + problem +
-                                                               "; use --set to import others");
+        for (TreeSet& set : session.Sets(root)) {
+            if (!Wanted(options, set.record.name)) continue;
+            std::string problem = set.problem;
+            if (const std::string named = NameProblem(set.record.name); set.Whole() && !named.empty()) {
+                problem = "the name " + named;
             }
-            sets.push_back(ReadSet(root, stored));
+            if (!problem.empty()) {
+                throw CommandError(ExitCode::kNothingDone, file + ": " + set.Title() + ": " + problem +
+                                                               "; use --set to import others, or mend the file");
+            }
+            PrintError(TellPages({set}));
+            if (set.record.page == Rect{}) set.record.page = DefaultPage(set.record.areas);
+            sets.push_back(std::move(set.record));
         }
     });
     return sets;
@@ -108,8 +113,9 @@ std::vector<AreaSetRecord> ReadFiles(const HostSession& session, const ImportOpt
 }
 
 std::string Describe(const PlannedSet& planned) {
-    return KeyOfId(planned.set.id) + "  " + (planned.replaces ? "replaced" : "new     ") + "  \"" + planned.set.name +
-           "\", " + std::to_string(planned.set.areas.size()) + (planned.set.Ignored() ? " ignored" : " required") +
+    return KeyOfId(planned.set.id) + "  " + (planned.replaces ? "replaced" : "new     ") + "  \"" +
+           Printable(planned.set.name) + "\", " + std::to_string(planned.set.areas.size()) +
+           (planned.set.Ignored() ? " ignored" : " required") +
            (planned.set.areas.size() == 1 ? " area\n" : " areas\n");
 }
 
@@ -118,7 +124,7 @@ std::string Describe(const PlannedSet& planned) {
 ExitCode ImportSets(const CommonOptions& common, const ImportOptions& options) {
     HostSession session(common, HostSession::Settings::kMayBeNew);
     std::vector<AreaSetRecord> sets = ReadFiles(session, options);
-    const auto planned = PlanImport(std::move(sets), ReadStoredSets(session.Node()), options.replace);
+    const auto planned = PlanImport(std::move(sets), StoredSets(session.Sets()), options.replace);
     if (!options.dryRun) {
         session.Change([&](ISettingsNode* root) {
             for (const PlannedSet& set : planned) WriteSet(root, set);

@@ -80,7 +80,29 @@ enum HostSettingsStepId : int {
     kHostStepLast = kHostStepSwapped,
 };
 
+enum HostSettingsKind : int {
+    kHostSettingsNode = 1,  // its members follow, up to its kHostSettingsEnd
+    kHostSettingsEnd = 2,
+    kHostSettingsText = 3,
+    kHostSettingsNumber = 4,
+    kHostSettingsTruth = 5,
+    kHostSettingsOther = 6,  // kept as it stands, cannot be read as a value
+};
+
+// One step of a walk. The texts are not NUL-terminated and valid for the length of the call.
+struct HostSettingsMember {
+    HostSettingsKind kind;
+    const wchar_t* name;
+    size_t nameLength;
+    const wchar_t* text;  // kHostSettingsText
+    size_t textLength;
+    LONGLONG number;  // kHostSettingsNumber
+};
+
 extern "C" {
+
+// Called for each member in the order of the tree; false ends the walk.
+using HostSettingsVisit = BOOL(CALLBACK*)(const HostSettingsMember* member, void* context);
 
 // Called at each step of a commit, for hosts that want to know when the file was written, and for tests of what happens
 // when the process ends or the disk fails just there. 0 goes
@@ -93,6 +115,9 @@ HRESULT HostSettingsOpenFile(const wchar_t* path, ISettingsNode** root);
 HRESULT HostSettingsCreateNode(ISettingsNode** node);
 // Writes the tree of a root from HostSettingsOpenFile to its file; E_INVALIDARG for any other node.
 HRESULT HostSettingsCommit(ISettingsNode* root);
+// Shows everything in and below a node of this store, without making any node: a walk for programs that have to know
+// what stands in a tree, members that cannot be read as values included. E_INVALIDARG for a node of another maker.
+HRESULT HostSettingsWalk(ISettingsNode* node, HostSettingsVisit visit, void* context);
 // The text of this process's last failure, never null; the caller frees it.
 HRESULT HostSettingsLastMessage(BSTR* text);
 // Sets what is called at each step of a commit; null ends that.
