@@ -46,7 +46,11 @@ constexpr int kErrorSeverity = 2;
 void CALLBACK OnTrace(const HostTrace* trace, void* context) {
     Reports& reports = *static_cast<Reports*>(context);
     if (reports.verbose) ShowTrace(trace);
-    if (trace->severity == kErrorSeverity && trace->source && std::string_view(trace->source) == "HostSettings") {
+    const std::string_view source = trace->source ? trace->source : "";
+    const bool waits = (source == "HostSettings" || source == "AreaSetManager") &&
+                       std::wstring_view(trace->text).ends_with(L"waiting for it.");
+    if (waits) PrintError("zonhost: " + Utf8FromWide(trace->text) + "\n");
+    if (trace->severity == kErrorSeverity && source == "HostSettings") {
         reports.commits.failure = Utf8FromWide(trace->text);
     }
 }

@@ -16,12 +16,17 @@
 //             onto the root. ClearNode of the root followed by CopyNode onto it is one commit, not two. What is not
 //             committed when the root is released is dropped.
 // Commits     The new tree is written beside the file, flushed and swapped in; the version before is kept as
-//             "<file>.bak". "<file>.lock" exists while a commit runs and keeps other processes out. Whatever fails or
-//             ends in between, the file holds the old or the new tree. A commit that changes nothing writes nothing.
+//             "<file>.bak". "<file>.lock" and "<file>.commit" exist while a commit runs and go away with its process;
+//             the first keeps other processes out. A file of such a name that is not the commit's own is neither
+//             followed nor removed: the commit fails and names it. A name that is a symbolic link stands for the file
+//             that it leads to, and all these files stand beside that one; a file with several names (hard links) is
+//             not stored into. Whatever fails or ends in between, the file holds the old or the new tree. A commit that
+//             changes nothing writes nothing.
 //             When a commit fails, the root again is what it was before ClearNode or CopyNode (single writes before a
 //             failed HostSettingsCommit stay, to be committed again). A file that somebody changed since it was read is
 //             not overwritten (kSettingsChanged). The tree that did not get into the file is kept as
-//             "<file>.refused-<n>"; the message tells that name. Open the file anew to go on with its present content.
+//             "<file>.refused-<n>", one file for each root that is rewritten when a later refused tree
+//             differs; the message tells that name. Open the file anew to go on with its present content.
 // The file    UTF-8 JSON: an object is a node, a string, whole number or boolean is a value. Members of any other kind
 //             (null, fractions, numbers beyond 64 bits, lists) are kept as they stand; they cannot be read as values.
 //             A string that is no valid UTF-16 is stored as the list ["utf-16", unit, unit, ...]; a name has to be

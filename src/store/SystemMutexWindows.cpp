@@ -13,6 +13,15 @@ SRWLOCK* Local(void*& place) {
     return reinterpret_cast<SRWLOCK*>(&place);
 }
 
+DWORD Wait(HANDLE mutex) {
+    constexpr DWORD kQuietWait = 3000;
+    const DWORD result = WaitForSingleObject(mutex, kQuietWait);
+    if (result != WAIT_TIMEOUT) return result;
+    trace::TraceText(trace::kDiagnostic, kSource, __LINE__,
+                     L"CAreaSetManager: the lock is held by another program or thread; waiting for it.");
+    return WaitForSingleObject(mutex, INFINITE);
+}
+
 }  // namespace
 
 CSystemMutex::CSystemMutex(const wchar_t* name) noexcept : m_handle(CreateMutexW(nullptr, FALSE, name)) {
@@ -30,7 +39,7 @@ void CSystemMutex::Lock() noexcept {
         ++m_depth;
         return;
     }
-    const DWORD result = m_handle != nullptr ? WaitForSingleObject(m_handle, INFINITE) : WAIT_FAILED;
+    const DWORD result = m_handle != nullptr ? Wait(m_handle) : WAIT_FAILED;
     if (m_handle == nullptr) AcquireSRWLockExclusive(Local(m_local));
     m_held = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
     m_owner.store(self, std::memory_order_relaxed);
