@@ -82,6 +82,7 @@ private:
              {std::pair("left", &area.left), {"top", &area.top}, {"right", &area.right}, {"bottom", &area.bottom}}) {
             const auto found = value.find(key);
             if (found == value.end() || !found->is_number_integer()) return false;
+            if (found->is_number_unsigned() && found->get<uint64_t>() > uint64_t{kLongest}) return false;
             const auto number = found->get<int64_t>();
             *coordinate = static_cast<int32_t>(number);
             if (*coordinate != number) return false;
