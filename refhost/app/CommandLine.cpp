@@ -33,7 +33,9 @@ constexpr const char* kFooter =
     "  2  the command line is wrong\n"
     "  3  the settings file cannot be read or written, or an area set in it cannot be read whole\n"
     "  4  nothing was done: no such set, no page could be masked, a file to be imported has a mistake,\n"
-    "     a library is missing\n"
+    "     a library is missing; or standard output could not be written\n"
+    "  5  mask was interrupted (Ctrl+C); the pages that it tells as done are whole\n"
+    "  6  the program itself failed\n"
     "\n"
     "`zonhost COMMAND --help` tells more of a command. --settings, --log and --verbose go with every command.";
 
@@ -43,16 +45,18 @@ constexpr const char* kMaskFooter =
     "or a pattern such as scans\\*.tif. Results are named like their sources: letter.tif gives letter.png, or\n"
     "letter-01.png, letter-02.png and so on for its pages if it has several. A page that cannot be masked is told, "
     "and\n"
-    "the others are done. Sources are never overwritten.\n"
+    "the others are done. Sources are never overwritten. Ctrl+C ends it after the pages at work; results are whole "
+    "or\n"
+    "not there.\n"
     "\n"
     "Examples:\n"
     "  zonhost mask --set \"Letter body\" --out masked scan.tif folder\\of\\scans\n"
     "  zonhost mask --set \"Letter body\" --out masked --format tif --dpi 204x196 fax*.png";
 
 constexpr const char* kImportFooter =
-    "FILE is a .json file as `zonhost sets export` writes it, a settings file (another one, its .bak, or one that was "
-    "kept\n"
-    "as .refused-n), or a .uzn zone file: lines \"left top width height "
+    "FILE is a .json file as `zonhost sets export` writes it, a settings file (another one, a copy of its .bak, or "
+    "one\n"
+    "that was kept as .refused-n), or a .uzn zone file: lines \"left top width height "
     "label\" in\n"
     "pixels, each file one set. All files are checked before anything is written. New sets get identifiers of their "
     "own.\n"
@@ -96,6 +100,9 @@ constexpr const char* kViewFooter =
 constexpr const char* kExportFooter =
     "Example:\n"
     "  zonhost sets export \"Letter body\" 0x00000003 --out area-sets.json";
+
+constexpr uint64_t kLeastMemory = 16;
+constexpr uint64_t kMostMemory = 1 << 20;
 
 std::wstring EnvironmentValue(const wchar_t* name) {
     std::wstring value(32767, L'\0');
@@ -232,6 +239,11 @@ private:
             ->type_name("FORMAT");
         ResolutionOption(mask, m_mask.resolution, "Dots per inch of the pages, in place of what the files say");
         mask.add_flag("--force", m_mask.force, "Replace results that are there (never sources)");
+        mask.add_option("--memory", m_mask.memory,
+                        "MiB of memory that the pages at work share (default: 1024). A page waits for the others, and "
+                        "one that needs more alone is refused")
+            ->check(CLI::Range(kLeastMemory, kMostMemory))
+            ->type_name("MIB");
         PathsOption(mask, "PAGE", m_mask.pages, "Image files, folders or patterns");
         mask.callback([this] { m_command = [this] { return MaskPages(m_common, m_mask); }; });
     }

@@ -10,27 +10,34 @@ namespace {
 
 constexpr size_t kBarWidth = 40;
 
-void Write(DWORD which, std::string_view text) {
+// The system's error code, 0 when all was written.
+DWORD Write(DWORD which, std::string_view text) {
     const HANDLE handle = GetStdHandle(which);
+    // A program that was started without outputs has nobody to tell.
+    if (handle == nullptr) return 0;
     DWORD mode = 0;
     DWORD written = 0;
     if (GetConsoleMode(handle, &mode)) {
         const std::wstring wide = WideFromUtf8(text);
-        WriteConsoleW(handle, wide.data(), static_cast<DWORD>(wide.size()), &written, nullptr);
-        return;
+        return WriteConsoleW(handle, wide.data(), static_cast<DWORD>(wide.size()), &written, nullptr) ? 0
+                                                                                                      : GetLastError();
     }
     while (!text.empty()) {
         const auto length = static_cast<DWORD>(std::min<size_t>(text.size(), 1 << 20));
-        // A reader that went away is no concern of ours.
-        if (!WriteFile(handle, text.data(), length, &written, nullptr) || written == 0) return;
+        if (!WriteFile(handle, text.data(), length, &written, nullptr)) return GetLastError();
+        if (written == 0) return ERROR_DISK_FULL;
         text.remove_prefix(written);
     }
+    return 0;
 }
 
 }  // namespace
 
 void Print(std::string_view text) {
-    Write(STD_OUTPUT_HANDLE, Printable(text, true));
+    const DWORD error = Write(STD_OUTPUT_HANDLE, Printable(text, true));
+    if (error == 0) return;
+    throw CommandError(ExitCode::kNothingDone, "standard output cannot be written: " + SystemMessage(error) +
+                                                   "; what is there of it is not whole");
 }
 
 void PrintError(std::string_view text) {

@@ -9,7 +9,9 @@
 namespace zonhost {
 
 // Both print names from files as well: what a terminal would obey is shown as \uXXXX, but for line ends.
+// To standard output. Throws CommandError (kNothingDone) when not all of it arrives there.
 void Print(std::string_view text);
+// To standard error, as far as it goes: there is nowhere else to tell.
 void PrintError(std::string_view text);
 // Whether messages go to a person's terminal.
 bool ErrorsGoToTerminal();

@@ -25,7 +25,7 @@ ExitCode PlaceFields(const CommonOptions& common, const FieldsOptions& options) 
         records.push_back({fields[i].top, fields[i].bottom, fields[i].right, fields[i].left, names[i].c_str()});
     }
 
-    HostSession session(common, HostSession::Settings::kMayBeNew);
+    HostSession session(common, FilesOfWindow(common, options.window), HostSession::Settings::kMayBeNew);
     const WindowHost windows(options.window);
     auto* host = new confighost::ConfigHost(windows.Quire());
     const bool ran = session.Library().PlaceFields(windows.Owner(), WideFromUtf8(options.name), records, host);

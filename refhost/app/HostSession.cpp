@@ -62,7 +62,9 @@ DWORD CALLBACK OnCommitStep(int step, void* context) {
 
 class LogScope {
 public:
-    LogScope(const CommonOptions& options, Reports& reports) {
+    LogScope(const CommonOptions& options, const FilesInUse& files, Reports& reports)
+        : m_name(Utf8FromPath(options.log)) {
+        CheckLog(options.log, files);
         if (!options.log.empty() && !HostSupportSetLogFile(options.log.c_str())) {
             throw CommandError(ExitCode::kNothingDone, "the log " + Utf8FromPath(options.log) +
                                                            " cannot be opened: " + SystemMessage(GetLastError()));
@@ -71,10 +73,15 @@ public:
     }
     ~LogScope() {
         HostSupportSetTraceObserver(nullptr, nullptr);
-        HostSupportSetLogFile(nullptr);
+        if (!HostSupportSetLogFile(nullptr)) {
+            PrintError("zonhost: the log " + m_name + " is not whole: " + SystemMessage(GetLastError()) + "\n");
+        }
     }
     LogScope(const LogScope&) = delete;
     LogScope& operator=(const LogScope&) = delete;
+
+private:
+    const std::string m_name;
 };
 
 [[noreturn]] void FailSettings(const com::HostDll& store) {
@@ -95,9 +102,9 @@ ISettingsNodePtr OpenFile(const com::HostDll& store, const fs::path& file) {
 
 // Taken down from the last to the first: the library lets go of the node before COM ends.
 struct HostSession::Parts {
-    explicit Parts(const CommonOptions& options)
+    Parts(const CommonOptions& options, const FilesInUse& files)
         : reports{options.verbose, {}},
-          log(options, reports),
+          log(options, files, reports),
           classes(L"HostSettings.dll", {host::kClsidSettingsNode, host::kClsidSettingsTransfer}) {
         SetStep(OnCommitStep);
     }
@@ -117,7 +124,8 @@ struct HostSession::Parts {
     std::unique_ptr<ZonwickLibrary> library;
 };
 
-HostSession::HostSession(const CommonOptions& options, Settings settings) : m_parts(new Parts(options)) {
+HostSession::HostSession(const CommonOptions& options, const FilesInUse& files, Settings settings)
+    : m_parts(new Parts(options, files)) {
     std::error_code error;
     if (settings == Settings::kMustExist && !fs::exists(options.settings, error)) {
         throw CommandError(ExitCode::kSettings, "the settings file " + Utf8FromPath(options.settings) +

@@ -7,6 +7,7 @@
 
 #include "host/SettingsStore.h"
 #include "refhost/app/Options.h"
+#include "refhost/app/OutputFile.h"
 #include "refhost/app/SetReader.h"
 #include "refhost/app/ZonwickLibrary.h"
 
@@ -16,7 +17,11 @@ class HostSession {
 public:
     enum class Settings { kMustExist, kMayBeNew };
     // Throws CommandError: kSettings when the settings file cannot be read, with file, line and reason.
-    explicit HostSession(const CommonOptions& options, Settings settings = Settings::kMustExist);
+    // `files`: all that the command reads; the log must be none of them.
+    HostSession(const CommonOptions& options, const FilesInUse& files, Settings settings = Settings::kMustExist);
+    // For a command that reads no other files than the settings.
+    explicit HostSession(const CommonOptions& options, Settings settings = Settings::kMustExist)
+        : HostSession(options, FilesInUse(options), settings) {}
     ~HostSession();
     HostSession(const HostSession&) = delete;
     HostSession& operator=(const HostSession&) = delete;

@@ -142,10 +142,28 @@ std::string Describe(const PlannedSet& planned) {
            (planned.set.areas.size() == 1 ? " area\n" : " areas\n");
 }
 
+// What is imported must not be what storing it replaces.
+void ExpectNotReplaced(std::filesystem::path settings, const std::vector<std::filesystem::path>& files) {
+    for (const char* const suffix : {"", ".bak"}) {
+        settings += suffix;
+        const auto replaced = IdentityOf(settings);
+        for (const std::filesystem::path& path : files) {
+            const auto imported = IdentityOf(path);
+            if (!replaced || !imported || !SameFile(*replaced, *imported)) continue;
+            throw CommandError(ExitCode::kNothingDone,
+                               Utf8FromPath(path) + " would be replaced by the import; import a copy of it");
+        }
+    }
+}
+
 }  // namespace
 
 ExitCode ImportSets(const CommonOptions& common, const ImportOptions& options) {
-    HostSession session(common, HostSession::Settings::kMayBeNew);
+    if (!options.dryRun) ExpectNotReplaced(common.settings, options.files);
+    FilesInUse files(common);
+    for (const std::filesystem::path& path : options.files) files.Add(path, "a file to be imported");
+    files.Add(options.page, "the page of the zones");
+    HostSession session(common, files, HostSession::Settings::kMayBeNew);
     std::vector<AreaSetRecord> sets = ReadFiles(session, options);
     const auto planned = PlanImport(std::move(sets), StoredSets(session.Sets()), options.replace);
     if (!options.dryRun) {

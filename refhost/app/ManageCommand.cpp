@@ -8,7 +8,7 @@
 namespace zonhost {
 
 ExitCode ManageSets(const CommonOptions& common, const ManageOptions& options) {
-    HostSession session(common, HostSession::Settings::kMayBeNew);
+    HostSession session(common, FilesOfWindow(common, options.window), HostSession::Settings::kMayBeNew);
     const std::string file = Utf8FromPath(common.settings);
     if (const std::string broken = TellBroken(session.Sets(), file); !broken.empty()) {
         // OK stores all sets as the library read them: what it could not read would be lost.

@@ -47,6 +47,7 @@ struct MaskOptions {
     std::string format = "png";
     std::optional<Resolution> resolution;
     bool force = false;
+    uint64_t memory = 1024;  // MiB that the pages in flight share
     std::vector<std::filesystem::path> pages;
 };
 

@@ -41,13 +41,20 @@ LoadedFrame ImageFile::Load(uint32_t frame, const std::optional<Resolution>& res
     return loaded;
 }
 
-void SaveBmpBlock(const void* block, size_t length, HostImageFormat format, const std::filesystem::path& path) {
+FrameSize ImageFile::Size(uint32_t frame) {
+    const std::lock_guard lock(m_mutex);
+    FrameSize size;
+    if (HostGetFrameSize(m_file.get(), frame, &size.size) != 1) size.problem = ImagingProblem();
+    return size;
+}
+
+void SaveBmpBlock(const void* block, size_t length, HostImageFormat format, const std::filesystem::path& path,
+                  bool replace, const std::function<void()>& ready) {
     void* handle = nullptr;
-    Require(HostImageFromBmp(block, length, &handle));
-    const Image image(handle);
-    Require(HostCreateOutput(path.c_str(), format, &handle));
+    Require(HostCreateOutput(path.c_str(), format | (replace ? 0 : kHostFormatNewFile), &handle));
     std::unique_ptr<void, DropOutput> output(handle);
-    Require(HostAppendImage(output.get(), image.get()));
+    Require(HostAppendBmp(output.get(), block, length));
+    ready();
     Require(HostCommitOutput(output.release()));
 }
 

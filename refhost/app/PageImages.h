@@ -2,6 +2,7 @@
 // Page images of the host imaging library, owned. Callable from any thread that has COM.
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -24,6 +25,12 @@ struct LoadedFrame {
     std::string problem;
 };
 
+// What a frame needs, or why that is not known.
+struct FrameSize {
+    HostFrameSize size{};
+    std::string problem;
+};
+
 // An open image file. Its frames can be loaded from several threads.
 class ImageFile {
 public:
@@ -32,6 +39,8 @@ public:
     uint32_t FrameCount() const { return m_frames; }
     // `resolution` goes before the file's own.
     LoadedFrame Load(uint32_t frame, const std::optional<Resolution>& resolution);
+    // Without decoding it.
+    FrameSize Size(uint32_t frame);
 
 private:
     struct Close {
@@ -43,8 +52,10 @@ private:
     std::mutex m_mutex;
 };
 
-// Writes a masked image as a file. Throws CommandError (kSomePagesFailed).
-void SaveBmpBlock(const void* block, size_t length, HostImageFormat format, const std::filesystem::path& path);
+// Writes a masked image as a file, as a whole or not at all; `ready` is called before the file takes its place, and may
+// throw. Throws CommandError (kSomePagesFailed).
+void SaveBmpBlock(const void* block, size_t length, HostImageFormat format, const std::filesystem::path& path,
+                  bool replace, const std::function<void()>& ready);
 
 // What the last failing call of the imaging library on this thread found wrong.
 std::string ImagingProblem();

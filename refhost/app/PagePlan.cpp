@@ -139,6 +139,22 @@ OutputNames::OutputNames(const std::vector<fs::path>& files, std::string extensi
         }
     }
     for (std::string& base : m_bases) base = Claim(base);
+    for (const std::string& base : m_bases) m_folded.insert(FoldCase(base));
+}
+
+bool OutputNames::Covers(const fs::path& name) const {
+    std::string folded = FoldCase(Utf8FromPath(name));
+    if (!folded.ends_with(m_extension)) return false;
+    folded.resize(folded.size() - m_extension.size());
+    if (m_folded.contains(folded)) return true;
+    // Of several frames: a number behind a dash, and another behind ~ where names met.
+    for (const char mark : {'~', '-'}) {
+        const size_t end = folded.find_last_not_of("0123456789");
+        if (end == std::string::npos || end + 1 == folded.size() || folded[end] != mark) continue;
+        folded.resize(end);
+        if (m_folded.contains(folded)) return true;
+    }
+    return false;
 }
 
 std::string OutputNames::Claim(const std::string& name) {

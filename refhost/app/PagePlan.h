@@ -25,10 +25,13 @@ public:
     OutputNames(const std::vector<std::filesystem::path>& files, std::string extension);
     // `frame` counts from 0. To be asked once for each frame.
     std::filesystem::path Name(size_t file, size_t frame, size_t frameCount);
+    // Whether a file of this name could be a result, whatever number of frames its source has.
+    bool Covers(const std::filesystem::path& name) const;
 
 private:
     std::string Claim(const std::string& name);
     std::vector<std::string> m_bases;
+    std::set<std::string> m_folded;  // of m_bases
     std::set<std::string> m_taken;
     std::string m_extension;
 };

@@ -1,7 +1,6 @@
 // zonhost sets list, show and export: what stands in the settings file, also what the library cannot serve.
 
 #include <algorithm>
-#include <fstream>
 
 #include "refhost/app/AreaSetFile.h"
 #include "refhost/app/Commands.h"
@@ -57,13 +56,10 @@ std::string Millimetres(int64_t tenths) {
 }
 
 void WriteNewFile(const std::filesystem::path& path, const std::string& text, const CommonOptions& common, bool force) {
+    FilesInUse files(common);
+    files.Add(common.log, "the log");
     try {
-        OutputGuard({common.settings}, force).Write(path, [&](const std::filesystem::path& beside) {
-            std::ofstream file(beside, std::ios::binary);
-            file.write(text.data(), static_cast<std::streamsize>(text.size()));
-            file.close();
-            if (!file) throw CommandError(ExitCode::kNothingDone, Utf8FromPath(path) + " cannot be written");
-        });
+        OutputGuard(files, force).Write(path, text);
     } catch (const CommandError& error) {
         throw CommandError(ExitCode::kNothingDone, error.what());
     }

@@ -18,6 +18,8 @@ enum class ExitCode : int {
     kUsage = 2,
     kSettings = 3,
     kNothingDone = 4,
+    kInterrupted = 5,
+    kCrashed = 6,
 };
 
 // Ends a command with a message for the user.

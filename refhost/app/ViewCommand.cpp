@@ -6,7 +6,7 @@
 namespace zonhost {
 
 ExitCode ViewPages(const CommonOptions& common, const ViewOptions& options) {
-    const HostSession session(common, HostSession::Settings::kMayBeNew);
+    const HostSession session(common, FilesOfWindow(common, options.window), HostSession::Settings::kMayBeNew);
     const WindowHost windows(options.window);
     PageViewer viewer(windows.Quire());
     viewer.Open();

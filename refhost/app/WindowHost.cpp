@@ -4,6 +4,7 @@
 
 #include "host/HostIds.h"
 #include "refhost/app/Console.h"
+#include "refhost/app/PagePlan.h"
 #include "refhost/documents/HostDocuments.h"
 #include "refhost/units/HostUnits.h"
 
@@ -27,6 +28,13 @@ POINT DialogPlace() {
 }
 
 }  // namespace
+
+FilesInUse FilesOfWindow(const CommonOptions& common, const WindowOptions& options) {
+    FilesInUse files(common);
+    if (common.log.empty()) return files;
+    for (const std::filesystem::path& page : FindPages(options.pages).files) files.Add(page, "one of the pages");
+    return files;
+}
 
 WindowHost::WindowHost(const WindowOptions& options)
     : m_documents(L"HostDocuments.dll", {host::kClsidPageImage}),

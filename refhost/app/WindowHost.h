@@ -10,9 +10,13 @@
 
 #include "host/DocumentStack.h"
 #include "refhost/app/Options.h"
+#include "refhost/app/OutputFile.h"
 #include "refhost/com/ClassRegistration.h"
 
 namespace zonhost {
+
+// The files that a command with windows reads.
+FilesInUse FilesOfWindow(const CommonOptions& common, const WindowOptions& options);
 
 class WindowHost {
 public:

@@ -25,6 +25,9 @@ const wchar_t* TextOf(HRESULT status) {
             return L"another program uses the file; close it there";
         case HRESULT_FROM_WIN32(ERROR_DISK_FULL):
             return L"the disk is full; free some space";
+        case HRESULT_FROM_WIN32(ERROR_FILE_EXISTS):
+        case HRESULT_FROM_WIN32(ERROR_ALREADY_EXISTS):
+            return L"there is a file of this name already; choose another name";
         case WINCODEC_ERR_COMPONENTNOTFOUND:
         case WINCODEC_ERR_UNKNOWNIMAGEFORMAT:
             return L"this is no image of a known format; use PNG, JPEG, BMP or TIFF";

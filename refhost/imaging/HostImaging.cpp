@@ -6,9 +6,9 @@
 #include <new>
 
 #include "refhost/imaging/ErrorText.h"
+#include "refhost/imaging/ImageFile.h"
 #include "refhost/imaging/LiveImages.h"
 #include "refhost/imaging/Output.h"
-#include "refhost/imaging/WicFile.h"
 
 namespace {
 
@@ -151,8 +151,8 @@ int HostGetImageInfo(void* image, HostImageInfo* info) {
         Require(info != nullptr, kNullArgument);
         const ImagePtr found = Live().Find(image);
         const reader::Bitmap& bitmap = found->Geometry();
-        *info = {bitmap.Width(),      bitmap.Height(),    bitmap.Bits(), bitmap.resolution.assumed ? 1u : 0u,
-                 bitmap.resolution.x, bitmap.resolution.y};
+        *info = {bitmap.Width(),      bitmap.Height(),     bitmap.Bits(),     bitmap.resolution.assumed ? 1u : 0u,
+                 bitmap.resolution.x, bitmap.resolution.y, bitmap.orientation};
     });
 }
 
@@ -171,7 +171,7 @@ int HostCreateOutput(const wchar_t* path, int format, void** output) {
         path == nullptr ? L"" : path,
         [&] {
             Require(path != nullptr && output != nullptr, kNullArgument);
-            *output = std::make_unique<Output>(path, static_cast<HostImageFormat>(format)).release();
+            *output = std::make_unique<Output>(path, format).release();
         },
         Doing::kWriting);
 }
@@ -183,6 +183,17 @@ int HostAppendImage(void* output, void* image) {
         [&] {
             Require(open != nullptr, kNullArgument);
             open->Append(*Live().Find(image));
+        },
+        Doing::kWriting);
+}
+
+int HostAppendBmp(void* output, const void* bytes, size_t length) {
+    auto* open = static_cast<Output*>(output);
+    return Guard(
+        open == nullptr ? L"" : open->Name(),
+        [&] {
+            Require(open != nullptr && bytes != nullptr, kNullArgument);
+            open->Append(std::span<const uint8_t>(static_cast<const uint8_t*>(bytes), length));
         },
         Doing::kWriting);
 }

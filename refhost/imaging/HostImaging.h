@@ -36,6 +36,8 @@ enum HostImageFormat : int32_t {
     kHostFormatTiff = 2,
     kHostFormatBmp = 3,
 };
+// Added to the format of an output file: it takes no other file's place, HostCommitOutput fails where one is.
+inline constexpr int kHostFormatNewFile = 0x100;
 
 struct HostImageInfo {
     uint32_t width;              // pixels
@@ -44,6 +46,7 @@ struct HostImageInfo {
     uint32_t resolutionAssumed;  // 1 when the file gave none for at least one axis and the caller neither
     double dpiX;
     double dpiY;
+    uint32_t orientation;  // 1 to 8, as the file stores the page; 1 is upright already
 };
 
 // What a frame's headers tell before its pixels are decoded.
@@ -51,6 +54,7 @@ struct HostFrameSize {
     uint32_t width;         // pixels of the image that HostLoadFrame makes
     uint32_t height;        // pixels
     uint32_t bitsPerPixel;  // 1, 8, 24 or 32
+    uint32_t orientation;   // 1 to 8: how the file stores it; the image is upright
     uint64_t imageBytes;    // memory of that image
     uint64_t workingBytes;  // what decoding holds beside it meanwhile, at most
 };
@@ -87,9 +91,12 @@ int HostGetImageInfo(void* image, HostImageInfo* info);
 int HostGetImagePixels(void* image, HostImagePixels* pixels);
 
 // An output file. It is written under a name of its own beside `path` and takes its place, replacing an older file, in
-// HostCommitOutput only. PNG and BMP take one image, TIFF any number, each a frame.
+// HostCommitOutput only, when every byte of it is on the disk. PNG and BMP take one image, TIFF any number, each a
+// frame.
 int HostCreateOutput(const wchar_t* path, int format, void** output);
 int HostAppendImage(void* output, void* image);
+// The same for a BMP file in memory, as CreateAreaSetImage gives it, without a copy of its pixels.
+int HostAppendBmp(void* output, const void* bytes, size_t length);
 // Finishes the file. The handle is gone afterwards, also on failure: then nothing is left on disk.
 int HostCommitOutput(void* output);
 // Drops what was written; null does nothing.

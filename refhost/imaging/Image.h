@@ -40,10 +40,26 @@ private:
     mutable std::shared_ptr<const Bitmap> m_rendered;
 };
 
-// Reads a BMP file of the forms that WriteBmp makes: 1, 8, 24 or 32 bits, not compressed, bottom-up. Throws ImageError.
+// Pixels that are looked at where they are: of a bitmap or of a BMP file in memory, which have to outlive it.
+struct PixelView {
+    uint32_t width;
+    uint32_t height;
+    uint32_t bits;
+    size_t stride;
+    const uint8_t* lowest;  // rows lie bottom-up
+    std::vector<uint32_t> palette;
+    Resolution resolution;
+
+    const uint8_t* Row(uint32_t y) const { return lowest + (size_t{height} - 1 - y) * stride; }
+};
+PixelView ViewOf(const Bitmap& image);
+// Of a BMP file of the forms that WriteBmp makes: 1, 8, 24 or 32 bits, not compressed, bottom-up. Throws ImageError.
+PixelView ViewBmp(std::span<const uint8_t> bytes);
+// The same as a bitmap of its own.
 std::shared_ptr<const Bitmap> ReadBmp(std::span<const uint8_t> bytes);
 
-// Entries of a colour palette that no pixel of `rows` uses become the paper's: what was masked leaves no colour behind.
+// Entries of a palette that no pixel of `rows` uses become the paper's: what was masked leaves no colour behind. Plain
+// grey, and plain black and white, are no colours of the page.
 std::vector<uint32_t> UsedPalette(const Bitmap& image, const uint8_t* rows);
 
 }  // namespace imaging

@@ -1,5 +1,5 @@
 #pragma once
-// Rows of decoders' pixel formats into those that a Bitmap holds.
+// Rows of bitmaps into those that encoders take.
 
 #include <algorithm>
 #include <cstddef>
@@ -7,24 +7,12 @@
 
 namespace imaging {
 
-// Converts `width` pixels of a row. `to` has room for a whole row of the bitmap.
+// Converts `width` pixels of a row.
 using RowConverter = void (*)(const uint8_t* from, uint8_t* to, uint32_t width);
 
 void Copy1(const uint8_t* from, uint8_t* to, uint32_t width);
 void Copy8(const uint8_t* from, uint8_t* to, uint32_t width);
 void Copy24(const uint8_t* from, uint8_t* to, uint32_t width);
-// Packed indices of 2 and 4 bits, and grey steps, to bytes.
-void Index2To8(const uint8_t* from, uint8_t* to, uint32_t width);
-void Index4To8(const uint8_t* from, uint8_t* to, uint32_t width);
-void Grey2To8(const uint8_t* from, uint8_t* to, uint32_t width);
-void Grey4To8(const uint8_t* from, uint8_t* to, uint32_t width);
-void Grey16To8(const uint8_t* from, uint8_t* to, uint32_t width);
-void RgbToBgr(const uint8_t* from, uint8_t* to, uint32_t width);
-// 32 bits: the fourth byte is dropped, or says how much of white paper shows through.
-void BgrxToBgrx(const uint8_t* from, uint8_t* to, uint32_t width);
-void BgraToBgrx(const uint8_t* from, uint8_t* to, uint32_t width);
-void PbgraToBgrx(const uint8_t* from, uint8_t* to, uint32_t width);
-void BgraToBgr(const uint8_t* from, uint8_t* to, uint32_t width);
 // From a 32-bit bitmap to a row of 24 bits, for files.
 void BgrxToBgr(const uint8_t* from, uint8_t* to, uint32_t width);
 

@@ -23,7 +23,7 @@ public:
             m_count |= 56;
             return;
         }
-        for (; m_count <= 56; m_count += 8, ++m_at) {
+        for (; m_count < 56; m_count += 8, ++m_at) {
             const uint64_t next = m_at < m_bytes.size() ? m_bytes[m_at] : 0;
             m_bits |= next << (56 - m_count);
         }

@@ -1,6 +1,10 @@
 #include "refhost/reader/Bitmap.h"
 
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
 #include <cstring>
+#include <random>
 
 namespace reader {
 
@@ -18,7 +22,26 @@ uint32_t DistanceToWhite(uint32_t colour) {
     return sum;
 }
 
+void FillForTests(uint8_t* pixels, size_t size) {
+    static const bool wanted = std::getenv("ZONHOST_TEST_FILL") != nullptr;
+    if (!wanted) return;
+    static std::atomic<uint64_t> seed{std::random_device{}()};
+    std::mt19937_64 random(seed++);
+    for (size_t at = 0; at < size; at += sizeof(uint64_t)) {
+        const uint64_t value = random();
+        std::memcpy(pixels + at, &value, std::min(sizeof value, size - at));
+    }
+}
+
 }  // namespace
+
+void ThrowDamaged(const std::wstring& what) {
+    throw ImageError{what + L"; copy the file anew from its source or scan the page again"};
+}
+
+void ThrowCutOff() {
+    ThrowDamaged(L"the end of the file is missing");
+}
 
 uint64_t Bitmap::Check(uint32_t width, uint32_t height, uint32_t bits) {
     if (width == 0 || height == 0) throw ImageError{L"the image has no pixels; scan or export the page again"};
@@ -35,6 +58,7 @@ uint64_t Bitmap::Check(uint32_t width, uint32_t height, uint32_t bits) {
 Bitmap::Bitmap(uint32_t width, uint32_t height, uint32_t bits) : m_width(width), m_height(height), m_bits(bits) {
     m_stride = static_cast<size_t>(Check(width, height, bits) / height);
     m_pixels = std::make_unique_for_overwrite<uint8_t[]>(Size());
+    FillForTests(m_pixels.get(), Size());
 }
 
 uint8_t Bitmap::PaperByte() const {

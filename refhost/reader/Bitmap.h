@@ -18,12 +18,18 @@ struct ImageError {
     std::wstring text;
 };
 
+// Throw an ImageError for a file that is not what it was: `what` is wrong with it, then what to do about it.
+[[noreturn]] void ThrowDamaged(const std::wstring& what);
+[[noreturn]] void ThrowCutOff();
+
 inline constexpr uint32_t kMaxSide = 65535;
 inline constexpr uint64_t kMaxPixelBytes = (uint64_t{2} << 30) - 1;
 
 class Bitmap {
 public:
-    // Pixels are not initialised. Throws ImageError beyond the limits, std::bad_alloc without memory.
+    // Pixels are not initialised; with ZONHOST_TEST_FILL in the environment they hold random bytes, other ones at each
+    // run, so that tests see what a decoder leaves out. Throws ImageError beyond the limits, std::bad_alloc without
+    // memory.
     Bitmap(uint32_t width, uint32_t height, uint32_t bits);
     // Throws ImageError for a size that no bitmap can have; gives the bytes that its pixels take.
     static uint64_t Check(uint32_t width, uint32_t height, uint32_t bits);
@@ -44,6 +50,7 @@ public:
     // Colours 0x00RRGGBB, 2 or 256 of them for 1-bit and 8-bit images, none for the others.
     std::vector<uint32_t> palette;
     Resolution resolution;
+    uint32_t orientation = 1;  // that its file has; the bitmap is upright
 
     // The byte that stands for paper white all over: the palette's entry nearest to white, or full colour.
     uint8_t PaperByte() const;

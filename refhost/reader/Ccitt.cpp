@@ -197,7 +197,10 @@ private:
 
     void Draw(uint8_t* row) const {
         std::memset(row, m_rows.white, (m_rows.width + 7) / 8);
-        for (const uint32_t* change = m_row.data(); change < m_next; change += 2) Flip(row, change[0], change[1]);
+        // A change behind the last pixel changes nothing, and has no byte of its own.
+        for (const uint32_t* change = m_row.data(); change < m_next && *change < m_rows.width; change += 2) {
+            Flip(row, change[0], change[1]);
+        }
     }
 
     // Makes white pixels black.

@@ -18,9 +18,11 @@ namespace {
 constexpr const wchar_t* kEndsEarly = L"ends before its last row";
 constexpr size_t kBlock = size_t{256} << 10;
 
+using Parts = std::span<const std::span<const uint8_t>>;
+
 class RawDecoder final : public Decoder {
 public:
-    explicit RawDecoder(std::span<const uint8_t> bytes) : m_left(bytes) {}
+    void Start(Parts parts, size_t) override { m_left = parts.front(); }
     const uint8_t* Next(size_t size) override {
         if (m_left.size() < size) throw BadPiece{kEndsEarly};
         const uint8_t* next = m_left.data();
@@ -35,7 +37,11 @@ private:
 // Decodes whole blocks ahead: codecs are slow at giving a few bytes at a time.
 class BlockDecoder : public Decoder {
 public:
-    explicit BlockDecoder(size_t total) : m_left(total) {}
+    void Start(Parts parts, size_t total) final {
+        m_left = total;
+        m_at = m_filled = 0;
+        Begin(parts);
+    }
     const uint8_t* Next(size_t size) final {
         if (m_filled - m_at < size) Refill(size);
         const uint8_t* next = m_block.data() + m_at;
@@ -44,13 +50,14 @@ public:
     }
 
 protected:
+    virtual void Begin(Parts parts) = 0;
     // Writes exactly `size` bytes.
     virtual void Decode(uint8_t* to, size_t size) = 0;
 
 private:
     void Refill(size_t size) {
         const size_t kept = m_filled - m_at;
-        std::memmove(m_block.data(), m_block.data() + m_at, kept);
+        if (kept > 0) std::memmove(m_block.data(), m_block.data() + m_at, kept);
         m_at = 0;
         m_filled = kept;
         const size_t wanted = std::max(size - kept, std::min(m_left, kBlock));
@@ -60,17 +67,18 @@ private:
         m_left -= std::min(m_left, wanted);
     }
 
-    size_t m_left;
+    size_t m_left = 0;
     std::vector<uint8_t> m_block;
     size_t m_at = 0;
     size_t m_filled = 0;
 };
 
 class PackBitsDecoder final : public BlockDecoder {
-public:
-    PackBitsDecoder(std::span<const uint8_t> bytes, size_t total) : BlockDecoder(total), m_bytes(bytes) {}
+    void Begin(Parts parts) override {
+        m_bytes = parts.front();
+        m_at = m_run = 0;
+    }
 
-private:
     void Decode(uint8_t* to, size_t size) override {
         while (size > 0) {
             if (m_run == 0) StartRun();
@@ -110,8 +118,7 @@ private:
 
 class DeflateDecoder final : public BlockDecoder {
 public:
-    DeflateDecoder(std::vector<std::span<const uint8_t>> parts, size_t total, bool wholeStream)
-        : BlockDecoder(total), m_parts(std::move(parts)), m_wholeStream(wholeStream) {
+    explicit DeflateDecoder(bool wholeStream) : m_wholeStream(wholeStream) {
         if (inflateInit(&m_stream) != Z_OK) throw std::bad_alloc();
     }
     ~DeflateDecoder() override { inflateEnd(&m_stream); }
@@ -131,6 +138,13 @@ public:
 
 private:
     static constexpr const wchar_t* kDamaged = L"is damaged";
+
+    void Begin(Parts parts) override {
+        inflateReset(&m_stream);
+        m_stream.avail_in = 0;
+        m_parts.assign(parts.begin(), parts.end());
+        m_part = 0;
+    }
 
     void Decode(uint8_t* to, size_t size) override {
         m_stream.next_out = to;
@@ -165,20 +179,31 @@ private:
 // known by its place and length in what was decoded, and the whole piece is kept.
 class LzwDecoder final : public Decoder {
 public:
-    LzwDecoder(std::span<const uint8_t> bytes, size_t total) : m_bits(bytes), m_all(total) {
+    void Start(Parts parts, size_t total) override {
+        m_at = 0;
+        m_total = total;
+        if (m_room < total + kSlack) {
+            m_room = total + kSlack;
+            m_all.reset();
+            m_all = std::make_unique_for_overwrite<uint8_t[]>(m_room);
+        }
+        const std::span<const uint8_t> bytes = parts.front();
         // The form of the first writers has the lowest bit first and the longer codes one later. It is told by its
         // first code, the one that clears the table.
-        if (bytes.size() >= 2 && bytes[0] == 0 && (bytes[1] & 1) != 0) {
+        m_old = bytes.size() >= 2 && bytes[0] == 0 && (bytes[1] & 1) != 0;
+        if (m_old) {
             m_reversed.assign(bytes.begin(), bytes.end());
             ReverseBits(m_reversed);
-            m_bits = BitReader(m_reversed);
         }
-        Decode();
+        BitReader bits(m_old ? std::span<const uint8_t>(m_reversed) : bytes);
+        const bool good = Decode(bits);
+        if (bits.IsBeyond()) throw BadPiece{kEndsEarly};
+        if (!good) throw BadPiece{L"is damaged"};
     }
     const uint8_t* Next(size_t size) override {
-        if (m_all.size() - m_at < size) throw BadPiece{kEndsEarly};
+        if (m_total - m_at < size) throw BadPiece{kEndsEarly};
         m_at += size;
-        return m_all.data() + m_at - size;
+        return m_all.get() + m_at - size;
     }
 
 private:
@@ -186,70 +211,74 @@ private:
     static constexpr uint32_t kEnd = 257;
     static constexpr uint32_t kFirst = 258;
     static constexpr uint32_t kMost = 4096;
+    static constexpr size_t kSlack = 16;  // behind the last byte: strings are copied eight bytes at a time
 
     struct String {
-        size_t at;
-        size_t length;
+        uint32_t at;
+        uint32_t length;
     };
 
-    void Decode() {
-        std::vector<String> strings(kMost);
+    // False when a code is none. Behind the end stand zeros, which decode to anything: the caller has to look.
+    bool Decode(BitReader& bits) {
         uint32_t known = kFirst;
+        uint32_t width = 9;
         String last = {0, 0};
         size_t done = 0;
-        while (done < m_all.size()) {
-            const uint32_t code = Take(Bits(known));
+        while (done < m_total) {
+            const uint32_t code = Take(bits, width);
             if (code == kClear) {
                 known = kFirst;
+                width = 9;
                 last.length = 0;
                 continue;
             }
-            if (m_bits.IsBeyond() || code == kEnd) throw BadPiece{kEndsEarly};
-            if (last.length > 0 && known < kMost) strings[known++] = {last.at, last.length + 1};
-            if (code > kEnd && code >= known) throw BadPiece{L"is damaged"};
-            const String string = code < kClear ? String{done, 1} : strings[code];
-            const size_t count = std::min(string.length, m_all.size() - done);
-            uint8_t* to = m_all.data() + done;
-            if (code < kClear) {
-                *to = static_cast<uint8_t>(code);
-            } else {
-                Copy(to, m_all.data() + string.at, count);
+            if (code == kEnd) throw BadPiece{kEndsEarly};
+            if (last.length > 0 && known < kMost) {
+                m_strings[known++] = {last.at, last.length + 1};
+                // Codes become longer when the next entry needs it; in the newer form one entry earlier.
+                if (known + (m_old ? 0 : 1) >= uint32_t{1} << width && width < 12) ++width;
             }
-            last = {done, string.length};
+            if (code > kEnd && code >= known) return false;
+            const auto at = static_cast<uint32_t>(done);
+            if (code < kClear) {
+                m_all[done++] = static_cast<uint8_t>(code);
+                last = {at, 1};
+                continue;
+            }
+            const String string = m_strings[code];
+            const size_t count = std::min<size_t>(string.length, m_total - done);
+            Copy(m_all.get() + done, m_all.get() + string.at, count);
+            last = {at, string.length};
             done += count;
         }
+        return true;
     }
 
-    // A string may go on into itself.
+    // The string that was made last ends in its own first byte, which is written here; all others lie in front.
     static void Copy(uint8_t* to, const uint8_t* from, size_t count) {
-        if (from + count <= to) {
-            std::memcpy(to, from, count);
-        } else {
-            for (size_t i = 0; i < count; ++i) to[i] = from[i];
-        }
+        const bool whole = from + count <= to;
+        const size_t front = whole ? count : count - 1;
+        for (size_t i = 0; i < front; i += 8) std::memcpy(to + i, from + i, 8);
+        if (!whole) to[count - 1] = to[0];
     }
 
-    // Codes become longer when the next entry of the table needs it; with the highest bit first one entry earlier.
-    uint32_t Bits(uint32_t known) const {
-        const uint32_t early = m_reversed.empty() ? 1 : 0;
-        const uint32_t bits = static_cast<uint32_t>(std::bit_width(known + early));
-        return std::clamp(bits, 9U, 12U);
-    }
-
-    uint32_t Take(uint32_t bits) {
-        m_bits.FillBelow(12);
-        uint32_t code = m_bits.Peek(bits);
-        m_bits.Skip(bits);
-        if (m_reversed.empty()) return code;
+    uint32_t Take(BitReader& bits, uint32_t width) const {
+        bits.FillBelow(12);
+        uint32_t code = bits.Peek(width);
+        bits.Skip(width);
+        if (!m_old) return code;
         uint32_t turned = 0;
-        for (; bits > 0; --bits, code >>= 1) turned = turned << 1 | (code & 1);
+        for (; width > 0; --width, code >>= 1) turned = turned << 1 | (code & 1);
         return turned;
     }
 
+    std::array<String, kMost> m_strings;
     std::vector<uint8_t> m_reversed;
-    BitReader m_bits;
-    std::vector<uint8_t> m_all;
+    std::unique_ptr<uint8_t[]> m_all;
+    size_t m_room = 0;
+    size_t m_total = 0;
     size_t m_at = 0;
+    bool m_old = false;
 };
 
 }  // namespace
@@ -267,21 +296,21 @@ void ReverseBits(std::span<uint8_t> bytes) {
     for (uint8_t& byte : bytes) byte = kReversed[byte];
 }
 
-std::unique_ptr<Decoder> MakeDecoder(Coding coding, std::span<const uint8_t> bytes, size_t total) {
+std::unique_ptr<Decoder> MakeDecoder(Coding coding) {
     switch (coding) {
         case Coding::kPackBits:
-            return std::make_unique<PackBitsDecoder>(bytes, total);
+            return std::make_unique<PackBitsDecoder>();
         case Coding::kLzw:
-            return std::make_unique<LzwDecoder>(bytes, total);
+            return std::make_unique<LzwDecoder>();
         case Coding::kDeflate:
-            return std::make_unique<DeflateDecoder>(std::vector{bytes}, total, false);
+            return std::make_unique<DeflateDecoder>(false);
         default:
-            return std::make_unique<RawDecoder>(bytes);
+            return std::make_unique<RawDecoder>();
     }
 }
 
-std::unique_ptr<Decoder> MakeInflater(std::vector<std::span<const uint8_t>> parts, size_t total) {
-    return std::make_unique<DeflateDecoder>(std::move(parts), total, true);
+std::unique_ptr<Decoder> MakeInflater() {
+    return std::make_unique<DeflateDecoder>(true);
 }
 
 uint64_t DecoderMemory(Coding coding, uint64_t total) {

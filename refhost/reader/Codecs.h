@@ -16,9 +16,14 @@ struct BadPiece {
     const wchar_t* what;  // completes "its data ..."
 };
 
+// Goes from piece to piece, so that what it works with is made once for a page.
 class Decoder {
 public:
     virtual ~Decoder() = default;
+    // Begins a piece: its bytes, in one or several parts that have to live as long, and the number of bytes that will
+    // be asked for.
+    virtual void Start(std::span<const std::span<const uint8_t>> parts, size_t total) = 0;
+    void Start(const std::span<const uint8_t>& bytes, size_t total) { Start({&bytes, 1}, total); }
     // The next `size` bytes; valid until the next call. Throws BadPiece when they are not there.
     virtual const uint8_t* Next(size_t size) = 0;
     // To be called behind the last byte: throws BadPiece when a checksum tells that they are not right. What follows
@@ -26,11 +31,10 @@ public:
     virtual void End() {}
 };
 
-// Decodes `bytes`, which have to live as long; `total` is the number of bytes that will be asked for.
-std::unique_ptr<Decoder> MakeDecoder(Coding coding, std::span<const uint8_t> bytes, size_t total);
+std::unique_ptr<Decoder> MakeDecoder(Coding coding);
 
-// Inflates a stream that stands in several parts, whose checksum has to be there and right: End throws otherwise.
-std::unique_ptr<Decoder> MakeInflater(std::vector<std::span<const uint8_t>> parts, size_t total);
+// Inflates streams whose checksum has to be there and right: End throws otherwise.
+std::unique_ptr<Decoder> MakeInflater();
 
 // Turns the bits of each byte around.
 void ReverseBits(std::span<uint8_t> bytes);

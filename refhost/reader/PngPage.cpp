@@ -30,14 +30,6 @@ constexpr uint32_t kResolution = Name("pHYs");
 constexpr size_t kSignature = 8;
 constexpr size_t kChunkFrame = 12;  // length, name and checksum
 
-[[noreturn]] void ThrowDamaged(const std::wstring& what) {
-    throw ImageError{what + L"; copy the file anew from its source or scan the page again"};
-}
-
-[[noreturn]] void ThrowCutOff() {
-    ThrowDamaged(L"the end of the file is missing");
-}
-
 // A chunk without which a page cannot be shown has a capital letter in front.
 bool IsNeeded(uint32_t name) {
     return (name & 0x20000000) == 0;
@@ -118,7 +110,8 @@ public:
     std::shared_ptr<Bitmap> Run() {
         uint64_t total = 0;
         for (const Pass& pass : PassesOf(m_page.m_interlaced)) total += (Size(Width(pass)) + 1) * Rows(pass);
-        const auto decoder = MakeInflater(m_page.m_data, static_cast<size_t>(total));
+        const auto decoder = MakeInflater();
+        decoder->Start(std::span(m_page.m_data), static_cast<size_t>(total));
         for (const Pass& pass : PassesOf(m_page.m_interlaced)) Decode(*decoder, pass);
         decoder->End();
         for (uint32_t y = 0; y < m_page.m_height; ++y) m_bitmap->ClearPadding(y);
@@ -276,7 +269,7 @@ uint64_t PngPage::RowBytes(uint32_t width) const {
     return (uint64_t{width} * m_layout.samples * m_layout.bits + 7) / 8;
 }
 
-uint64_t PngPage::WorkingBytes() const {
+uint64_t PngPage::WorkingBytes(const JpegDecoder&) const {
     const uint64_t row = RowBytes(m_width);
     return DecoderMemory(Coding::kDeflate, (row + 1) * m_height * 2) + 8 * row + 4 * uint64_t{m_width};
 }
@@ -295,7 +288,7 @@ std::vector<uint32_t> PngPage::Palette() const {
     return palette;
 }
 
-std::shared_ptr<Bitmap> PngPage::Decode() const {
+std::shared_ptr<Bitmap> PngPage::Decode(JpegDecoder&) const {
     try {
         return Work(*this).Run();
     } catch (const BadPiece& bad) {

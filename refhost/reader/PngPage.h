@@ -3,8 +3,6 @@
 // file's own checksums or refused.
 //
 // Kinds      Every colour type, depth and interlacing of the format. Chunks that it may do without are passed over.
-// Result     1 bit stays 1 bit; grey and palettes get 8 bits, colours 24. Transparency lies on white paper.
-// Errors     ImageError, with what to do about it. Threads: a page may be decoded by several at once.
 
 #include <cstddef>
 #include <cstdint>
@@ -12,25 +10,19 @@
 #include <span>
 #include <vector>
 
-#include "refhost/reader/Bitmap.h"
+#include "refhost/reader/Page.h"
 #include "refhost/reader/Samples.h"
 
 namespace reader {
 
-class PngPage {
+class PngPage final : public Page {
 public:
     // Throws ImageError for what cannot be read. `file` has to live as long.
     explicit PngPage(std::span<const uint8_t> file);
 
-    uint32_t Width() const { return m_width; }
-    uint32_t Height() const { return m_height; }
-    uint32_t Bits() const { return m_layout.ResultBits(); }
-    // Dots per inch; 0: the file gives none.
-    double DpiX() const { return m_dpiX; }
-    double DpiY() const { return m_dpiY; }
-    // Memory that decoding takes beside the bitmap, at most.
-    uint64_t WorkingBytes() const;
-    std::shared_ptr<Bitmap> Decode() const;
+    PageFacts Facts() const override { return {m_width, m_height, Bits(), 1, m_dpiX, m_dpiY}; }
+    uint64_t WorkingBytes(const JpegDecoder&) const override;
+    std::shared_ptr<Bitmap> Decode(JpegDecoder&) const override;
 
 private:
     class Work;
@@ -39,6 +31,7 @@ private:
     void ReadHeader(Bytes data);
     void ReadChunk(uint32_t name, Bytes data);
     std::vector<uint32_t> Palette() const;
+    uint32_t Bits() const { return m_layout.ResultBits(); }
     uint64_t RowBytes(uint32_t width) const;
 
     uint32_t m_width = 0;

@@ -116,6 +116,13 @@ double TiffDirectory::Dpi(uint32_t tag) const {
     return unit == kCentimetre ? Fraction(tag) * 2.54 : 0;
 }
 
+uint32_t TiffDirectory::Orientation() const {
+    constexpr uint32_t kOrientation = 274;
+    const TiffEntry* entry = Find(kOrientation);
+    const uint32_t value = entry == nullptr ? 1 : Number(*entry, 0);
+    return value >= 1 && value <= 8 ? value : 1;
+}
+
 bool TiffDirectory::IsWhole() const {
     const Pieces* pieces = PiecesOf(*this);
     if (pieces == nullptr) return true;
@@ -161,7 +168,8 @@ void WalkDirectories(const Read& read, const Visit& visit) {
         const uint64_t next = uint64_t{offset} + 2 + entries * kEntrySize;
         if (entries == 0 || next > UINT32_MAX) return;
         visit(offset);
-        if (!read(static_cast<uint32_t>(next), number, 4)) return;
+        // Where even the link is missing, pages may be.
+        if (!read(static_cast<uint32_t>(next), number, 4)) return visit(static_cast<uint32_t>(next));
         offset = Get32(number, 0, bigEndian);
     }
 }

@@ -37,6 +37,8 @@ public:
     // Dots per inch; 0 where the directory gives none.
     double DpiX() const { return Dpi(282); }
     double DpiY() const { return Dpi(283); }
+    // 1 to 8; 1 where there is none, or one that does not exist.
+    uint32_t Orientation() const;
     // False when a strip or tile of the image lies beyond the end of the file.
     bool IsWhole() const;
 

@@ -12,14 +12,8 @@ namespace reader {
 
 namespace {
 
-constexpr const wchar_t* kCopyAnew = L"; copy the file anew from its source or scan the page again";
-
 [[noreturn]] void ThrowNoPixels(const wchar_t* what) {
-    throw ImageError{std::wstring(L"the page's strips or tiles ") + what + kCopyAnew};
-}
-
-[[noreturn]] void ThrowCutOff() {
-    throw ImageError{L"the end of the file is missing; copy it anew from its source or scan the page again"};
+    ThrowDamaged(std::wstring(L"the page's strips or tiles ") + what);
 }
 
 // The bytes of a piece, turned around where the file has the lowest bit first.
@@ -99,8 +93,8 @@ private:
                 Rows(index, line, column);
             }
         } catch (const BadPiece& bad) {
-            throw ImageError{(m_layout.tiled ? L"tile " : L"strip ") + std::to_wstring(index + 1) + L" of " +
-                             std::to_wstring(m_page.PieceCount()) + L": its data " + bad.what + kCopyAnew};
+            ThrowDamaged((m_layout.tiled ? L"tile " : L"strip ") + std::to_wstring(index + 1) + L" of " +
+                         std::to_wstring(m_page.PieceCount()) + L": its data " + bad.what);
         }
     }
 
@@ -110,22 +104,24 @@ private:
     void Rows(uint32_t index, uint32_t line, uint32_t column) {
         const uint32_t rows = m_layout.Rows(line);
         const auto rowBytes = static_cast<size_t>(m_layout.RowBytes());
-        const Coding coding = tiff::CodingOf(m_layout.compression, [] {});
         std::vector<PieceInput> inputs;
-        std::vector<std::unique_ptr<Decoder>> decoders;
+        inputs.reserve(m_layout.Planes());
+        m_changed.resize(m_layout.Planes());
         for (uint32_t plane = 0; plane < m_layout.Planes(); ++plane) {
             inputs.emplace_back(m_page.PieceBytes(index + plane * PlaneStep()), m_layout.lowBitFirst);
-            decoders.push_back(MakeDecoder(coding, inputs.back().Bytes(), rowBytes * rows));
+            if (plane == m_decoders.size()) {
+                m_decoders.push_back(MakeDecoder(tiff::CodingOf(m_layout.compression, [] {})));
+            }
+            m_decoders[plane]->Start(inputs.back().Bytes(), rowBytes * rows);
         }
-        std::vector<std::vector<uint8_t>> changed(decoders.size());
-        std::vector<const uint8_t*> planes(decoders.size());
+        std::vector<const uint8_t*> planes(m_decoders.size());
         for (uint32_t y = 0; y < rows; ++y) {
             for (size_t plane = 0; plane < planes.size(); ++plane) {
-                planes[plane] = Plain(decoders[plane]->Next(rowBytes), rowBytes, changed[plane]);
+                planes[plane] = Plain(m_decoders[plane]->Next(rowBytes), rowBytes, m_changed[plane]);
             }
             Put(planes.data(), line * m_layout.pieceHeight + y, column);
         }
-        for (const auto& decoder : decoders) decoder->End();
+        for (const auto& decoder : m_decoders) decoder->End();
     }
 
     // The row with its differences undone, in this machine's byte order.
@@ -164,7 +160,9 @@ private:
     void JpegRows(uint32_t index, uint32_t line, uint32_t column) {
         const uint32_t rows = m_layout.Rows(line);
         const uint32_t samples = m_layout.planar ? 1 : m_layout.samples;
-        std::vector<std::vector<uint8_t>> planes;
+        // Planes are put together when all are there; the rows of one go straight to their place.
+        std::vector<std::vector<uint8_t>> planes(m_layout.planar ? m_layout.Planes() : 0);
+        const uint32_t top = line * m_layout.pieceHeight;
         for (uint32_t plane = 0; plane < m_layout.Planes(); ++plane) {
             const JpegPiece piece =
                 MakeJpegPiece(m_page.JpegTables(), m_page.PieceBytes(index + plane * PlaneStep()), Colours());
@@ -172,15 +170,22 @@ private:
                 piece.height > m_layout.pieceHeight) {
                 throw BadPiece{L"is a JPEG of another size than the page says"};
             }
-            planes.emplace_back(size_t{piece.width} * piece.height * samples);
-            m_jpeg.Decode(piece.stream, piece.width, piece.height, samples, planes.back().data());
+            if (m_layout.planar) planes[plane].resize(size_t{piece.width} * piece.height);
+            m_jpeg.Decode(piece.stream, piece.width, piece.height, samples, [&](uint32_t y, const uint8_t* row) {
+                if (m_layout.planar) {
+                    std::memcpy(planes[plane].data() + size_t{y} * piece.width, row, piece.width);
+                } else if (y < rows) {
+                    Put(&row, top + y, column);
+                }
+            });
         }
+        if (planes.empty()) return;
         std::vector<const uint8_t*> row(planes.size());
         for (uint32_t y = 0; y < rows; ++y) {
             for (size_t plane = 0; plane < planes.size(); ++plane) {
-                row[plane] = planes[plane].data() + size_t{y} * m_layout.pieceWidth * samples;
+                row[plane] = planes[plane].data() + size_t{y} * m_layout.pieceWidth;
             }
-            Put(row.data(), line * m_layout.pieceHeight + y, column);
+            Put(row.data(), top + y, column);
         }
     }
 
@@ -204,6 +209,8 @@ private:
     SampleConverter m_converter;
     std::shared_ptr<Bitmap> m_bitmap;
     FaxCoding m_fax;
+    std::vector<std::unique_ptr<Decoder>> m_decoders;  // one a plane
+    std::vector<std::vector<uint8_t>> m_changed;
     std::vector<uint8_t> m_tile;
 };
 
@@ -217,12 +224,17 @@ TiffPage::TiffPage(std::span<const uint8_t> file, TiffDirectory directory)
     CheckPieces();
 }
 
+PageFacts TiffPage::Facts() const {
+    return {m_layout.width,     m_layout.height,   m_layout.ResultBits(), m_directory.Orientation(),
+            m_directory.DpiX(), m_directory.DpiY()};
+}
+
 void TiffPage::CheckPieces() const {
     if (m_offsets == nullptr) ThrowNoPixels(L"are not listed in the file");
     const uint64_t count = uint64_t{m_layout.across} * m_layout.down * m_layout.Planes();
     if (m_offsets->count < count || (m_lengths != nullptr && m_lengths->count < count)) {
-        throw ImageError{L"the file lists " + std::to_wstring(m_offsets->count) + L" of the page's " +
-                         std::to_wstring(count) + (m_layout.tiled ? L" tiles" : L" strips") + kCopyAnew};
+        ThrowDamaged(L"the file lists " + std::to_wstring(m_offsets->count) + L" of the page's " +
+                     std::to_wstring(count) + (m_layout.tiled ? L" tiles" : L" strips"));
     }
     uint64_t sum = 0;
     for (uint32_t i = 0; i < count; ++i) sum += PieceBytes(i).size();
@@ -284,7 +296,8 @@ uint64_t TiffPage::WorkingBytes(const JpegDecoder& jpeg) const {
     if (m_layout.lowBitFirst) bytes += longest;
     if (m_layout.compression == tiff::kJpeg) {
         const uint32_t samples = m_layout.planar ? 1 : m_layout.samples;
-        bytes += longest + m_layout.RowBytes() * rows + jpeg.Memory(m_layout.pieceWidth, m_layout.pieceHeight, samples);
+        bytes += longest + (m_layout.planar ? m_layout.RowBytes() * rows : 0) +
+                 jpeg.Memory(m_layout.pieceWidth, m_layout.pieceHeight, samples);
     } else if (tiff::IsFax(m_layout.compression)) {
         bytes += m_layout.tiled ? m_layout.RowBytes() * rows : 0;
     } else {

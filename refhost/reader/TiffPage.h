@@ -6,32 +6,17 @@
 // Kinds      Grey, palette, RGB and CMYK of 1 to 16 or 32 bits a sample with any extra samples, chunky or planar,
 // strips
 //            or tiles; not compressed, fax codings, PackBits, LZW, deflate, JPEG; horizontal differences.
-// Result     1 bit stays 1 bit; grey and palettes get 8 bits, colours 24. Transparency lies on white paper.
-// Errors     ImageError, with what to do about it. Threads: a page may be decoded by several at once.
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
 
-#include "refhost/reader/Bitmap.h"
-#include "refhost/reader/Codecs.h"
+#include "refhost/reader/Page.h"
 #include "refhost/reader/Samples.h"
 #include "refhost/reader/Tiff.h"
 
 namespace reader {
-
-// Whoever can decode JPEG streams: the platform.
-class JpegDecoder {
-public:
-    virtual ~JpegDecoder() = default;
-    // Decodes a whole stream, whose header says `width` x `height` and so many samples, into rows from the top down
-    // without padding: 1 sample grey, 3 blue, green and red, 4 cyan, magenta, yellow and black. Throws BadPiece.
-    virtual void Decode(std::span<const uint8_t> stream, uint32_t width, uint32_t height, uint32_t samples,
-                        uint8_t* to) = 0;
-    // The most memory that it takes for a stream of that size, beside the rows.
-    virtual uint64_t Memory(uint32_t width, uint32_t height, uint32_t samples) const = 0;
-};
 
 // What the tags say, with what they leave out filled in.
 struct TiffLayout : SampleLayout {
@@ -55,17 +40,16 @@ struct TiffLayout : SampleLayout {
 // Throws ImageError for kinds that are not read.
 TiffLayout ReadTiffLayout(const TiffDirectory& directory);
 
-class TiffPage {
+class TiffPage final : public Page {
 public:
     // Throws ImageError for what cannot be read. `file` has to live as long.
     TiffPage(std::span<const uint8_t> file, TiffDirectory directory);
     TiffPage(const TiffPage&) = delete;
     TiffPage& operator=(const TiffPage&) = delete;
 
-    const TiffLayout& Layout() const { return m_layout; }
-    // Memory that decoding takes beside the bitmap, at most.
-    uint64_t WorkingBytes(const JpegDecoder& jpeg) const;
-    std::shared_ptr<Bitmap> Decode(JpegDecoder& jpeg) const;
+    PageFacts Facts() const override;
+    uint64_t WorkingBytes(const JpegDecoder& jpeg) const override;
+    std::shared_ptr<Bitmap> Decode(JpegDecoder& jpeg) const override;
 
 private:
     class Work;

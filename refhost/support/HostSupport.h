@@ -23,7 +23,8 @@ struct HostTrace {
 using HostTraceObserver = void(CALLBACK*)(const HostTrace* trace, void* context);
 
 // Appends one line per trace to a file (UTF-8): time, severity, source, line, text. A file beyond 4 MiB is put aside as
-// "<path>.old" first. Null ends logging to a file. Returns 0 when the file cannot be opened (GetLastError tells why).
+// "<path>.old" first. Null ends logging to a file. Returns 0 when the file cannot be opened or, for null, a line
+// of the one before was lost (GetLastError tells why).
 BOOL HostSupportSetLogFile(const wchar_t* path);
 // Called for each trace from now on; null ends that. When it returns, the observer before is not running any more.
 void HostSupportSetTraceObserver(HostTraceObserver observer, void* context);

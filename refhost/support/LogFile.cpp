@@ -1,5 +1,7 @@
 #include "refhost/support/LogFile.h"
 
+#include <utility>
+
 namespace support {
 
 namespace {
@@ -15,7 +17,10 @@ LogFile::~LogFile() {
 bool LogFile::Open(const wchar_t* path) {
     Close();
     m_path = path == nullptr ? L"" : path;
-    return m_path.empty() || Reopen();
+    const DWORD lost = std::exchange(m_problem, 0);
+    if (!m_path.empty()) return Reopen();
+    SetLastError(lost);
+    return lost == 0;
 }
 
 bool LogFile::Reopen() {
@@ -35,7 +40,7 @@ void LogFile::PutAside() {
     if (!GetFileSizeEx(m_file, &size) || size.QuadPart < kLargestLog) return;
     Close();
     MoveFileExW(m_path.c_str(), (m_path + L".old").c_str(), MOVEFILE_REPLACE_EXISTING);
-    Reopen();
+    if (!Reopen() && m_problem == 0) m_problem = GetLastError();
 }
 
 void LogFile::Append(std::wstring_view line) noexcept {
@@ -49,7 +54,11 @@ void LogFile::Append(std::wstring_view line) noexcept {
         bytes.resize(static_cast<size_t>(length));
         bytes += "\r\n";
         DWORD written = 0;
-        WriteFile(m_file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+        const BOOL good = WriteFile(m_file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+        if (m_problem != 0) return;
+        if (!good) m_problem = GetLastError();
+        // A disk that fills up takes a part and calls it success.
+        if (good && written != bytes.size()) m_problem = ERROR_DISK_FULL;
     } catch (...) {
         // A line that cannot be written is lost; whoever traced it goes on.
     }

@@ -16,6 +16,7 @@ public:
     LogFile& operator=(const LogFile&) = delete;
 
     // Closes the file before; null leaves it at that. False with GetLastError when it cannot be opened.
+    // Closing it is false when a line was lost since it was opened.
     bool Open(const wchar_t* path);
     void Append(std::wstring_view line) noexcept;
 
@@ -26,6 +27,7 @@ private:
 
     std::wstring m_path;
     HANDLE m_file = INVALID_HANDLE_VALUE;
+    DWORD m_problem = 0;  // of the first line that was lost
 };
 
 }  // namespace support

@@ -39,8 +39,9 @@ void CSystemMutex::Lock() noexcept {
         ++m_depth;
         return;
     }
+    // First, so that the process's own threads are serialised whatever becomes of the wait.
+    AcquireSRWLockExclusive(Local(m_local));
     const DWORD result = m_handle != nullptr ? Wait(m_handle) : WAIT_FAILED;
-    if (m_handle == nullptr) AcquireSRWLockExclusive(Local(m_local));
     m_held = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
     m_owner.store(self, std::memory_order_relaxed);
     m_depth = 1;
@@ -57,5 +58,5 @@ void CSystemMutex::Unlock() noexcept {
     const bool held = m_held;
     m_owner.store(0, std::memory_order_relaxed);
     if (held) ReleaseMutex(m_handle);
-    if (m_handle == nullptr) ReleaseSRWLockExclusive(Local(m_local));
+    ReleaseSRWLockExclusive(Local(m_local));
 }

@@ -43,6 +43,7 @@ TEST(OutputNames, NoTwoResultsShareANameWhateverTheSources) {
         for (size_t frame = 0; frame < frames; ++frame) {
             const std::string name = Utf8FromPath(names.Name(i, frame, frames));
             EXPECT_TRUE(seen.insert(FoldCase(name)).second) << name;
+            EXPECT_TRUE(names.Covers(name)) << name;
         }
     }
 }
@@ -53,6 +54,9 @@ TEST(OutputNames, FramesAreNumberedSoThatTheySort) {
     EXPECT_EQ(names.Name(0, 1, 2), "fax-02~2.bmp");
     EXPECT_EQ(names.Name(1, 0, 1), "fax-02.bmp");
     EXPECT_EQ(names.Name(2, 8, 120), "long-009.bmp");
+    for (const char* other : {"fax-02.png", "fax-.bmp", "fa.bmp", "fax-0x.bmp", "log.txt", "-01.bmp"}) {
+        EXPECT_FALSE(names.Covers(other)) << other;
+    }
 }
 
 TEST(FindPages, TakesFilesFoldersAndPatternsOnce) {

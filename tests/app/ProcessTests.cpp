@@ -7,6 +7,7 @@
 #include "app/ZonhostFixture.h"
 #include "refhost/app/PageImages.h"
 #include "refhost/app/Text.h"
+#include "refhost/files/PartFile.h"
 
 using namespace test;
 using namespace zonhost;
@@ -169,6 +170,46 @@ TEST_F(Zonhost, SourcesAndEarlierResultsAreNeverOverwritten) {
     EXPECT_EQ(Run(L"mask --set Drop --out linked --format bmp --force in\\page0.bmp").code, 4u);
     EXPECT_EQ(ReadAll(m_folder / "in" / "page0.bmp"), source);
     EXPECT_EQ(ReadAll(m_folder / "linked" / "page0.bmp"), source);
+    // Nor the settings, by a link.
+    const std::string settings = ReadAll(m_folder / "settings.json");
+    ASSERT_TRUE(
+        CreateHardLinkW((m_folder / "linked" / "page1.png").c_str(), (m_folder / "settings.json").c_str(), nullptr));
+    EXPECT_THAT(Run(L"mask --set Drop --out linked --force in\\page1.bmp").err, HasSubstr("is the settings file"));
+    EXPECT_EQ(ReadAll(m_folder / "linked" / "page1.png"), settings);
+}
+
+TEST_F(Zonhost, NamesAreAsLongAsTheFileSystemTakes) {
+    Import();
+    fs::create_directories(m_folder / "long");
+    const std::wstring names[] = {std::wstring(222, 'a'), std::wstring(251, 'b'), std::wstring(83, 0x4E2D)};
+    for (const std::wstring& name : names) WriteAll(m_folder / "long" / (name + L".bmp"), PageBmp(0));
+    const std::wstring tooLong = L"long\\" + std::wstring(253, 'c') + L".b";
+    WriteAll(m_folder / tooLong, PageBmp(0));
+    const Result result = Run(L"mask --set Keep --out out long " + tooLong);
+    EXPECT_EQ(result.code, 1u) << result.err;
+    EXPECT_THAT(result.err, HasSubstr("ccc.b: out\\ccc"));
+    EXPECT_THAT(result.err, HasSubstr("its name is longer than the 255"));
+    for (const std::wstring& name : names) {
+        EXPECT_EQ(Page(m_folder / "out" / (name + L".png")).frame.problem, "") << name.size();
+    }
+    EXPECT_EQ(FilesIn("out"), 3u);
+}
+
+TEST_F(Zonhost, UnfinishedFilesOfEndedProcessesOfThisMachineAreRemoved) {
+    Import();
+    fs::create_directories(m_folder / "out");
+    const std::wstring left = files::PartPrefix() + L"4-1.part";
+    const std::wstring others[] = {L"~zonwick-other-machine-4-1.part", files::PartPrefix() + L"notes.part",
+                                   L"page.png.part"};
+    WriteAll(m_folder / "out" / left, "left");
+    for (const std::wstring& name : others) WriteAll(m_folder / "out" / name, "not ours");
+    files::PartFile held;
+    ASSERT_EQ(held.Open((m_folder / "out" / "held.png").native()), 0u);
+    EXPECT_EQ(Run(L"mask --set Keep --out out in\\page0.bmp").code, 0u);
+    EXPECT_FALSE(fs::exists(m_folder / "out" / left));
+    for (const std::wstring& name : others) EXPECT_EQ(ReadAll(m_folder / "out" / name), "not ours");
+    EXPECT_EQ(held.Commit(false), 0u);
+    EXPECT_TRUE(fs::exists(m_folder / "out" / "held.png"));
 }
 
 TEST_F(Zonhost, BadPagesAreToldAndTheOthersDone) {
@@ -193,6 +234,7 @@ TEST_F(Zonhost, WhatCannotBeDoneIsToldAndLeavesTheSettingsAlone) {
     WriteAll(m_folder / "more.json", R"({"sets":[{"name":"New","mode":"required","areas":[]}]})");
     WriteAll(m_folder / "zones.uzn", "10 10 20 20\n1 2 3\n");
     WriteAll(m_folder / "damaged.json", "{\n\"a\": {\n");
+    ASSERT_TRUE(CreateHardLinkW((m_folder / "link.json").c_str(), (m_folder / "settings.json").c_str(), nullptr));
     const struct {
         const wchar_t* arguments;
         DWORD code;
@@ -216,6 +258,14 @@ TEST_F(Zonhost, WhatCannotBeDoneIsToldAndLeavesTheSettingsAlone) {
         {L"--settings damaged.json sets list", 3, "damaged.json"},
         {L"--settings damaged.json sets import more.json", 3, "damaged.json"},
         {L"--settings missing.json sets list", 3, "does not exist"},
+        {L"--log settings.json sets list", 4, "settings.json is the settings file and cannot be the log"},
+        {L"--log link.json sets show Keep", 4, "link.json is the settings file"},
+        {L"--log in\\page0.bmp mask --set Keep --out out in", 4, "is one of the pages to be masked"},
+        {L"--log in\\page1.PNG mask --set Keep --out in in", 4, "is the place of a result"},
+        {L"--log more.json sets import more.json", 4, "more.json is a file to be imported"},
+        {L"--log log.json sets export --out log.json --force", 4, "log.json is the log"},
+        {L"sets import --replace link.json", 4, "link.json would be replaced by the import"},
+        {L"mask --set Keep --out out --memory 1 in", 2, "--memory"},
     };
     for (const auto& c : cases) {
         const Result result = Run(c.arguments);

@@ -1,11 +1,13 @@
 // Masking, and what is read from the bytes of image files.
+#include <algorithm>
 #include <cstring>
 
 #include "fuzz/Targets.h"
 #include "refhost/imaging/Image.h"
 #include "refhost/imaging/Mask.h"
-#include "refhost/reader/FileFacts.h"
+#include "refhost/reader/Page.h"
 #include "refhost/reader/Tiff.h"
+#include "support/FakeJpeg.h"
 
 namespace fuzz {
 namespace {
@@ -92,10 +94,15 @@ void image_header(Input input) {
     const uint32_t frame = input.Byte() % 4;
     const std::string_view rest = input.Rest();
     const std::span file(reinterpret_cast<const uint8_t*>(rest.data()), rest.size());
-    const reader::FileFacts facts = reader::ReadFileFacts(file, frame);
-    Require(facts.dpiX >= 0 && facts.dpiY >= 0, "a resolution is no negative number");
-    const auto used = reader::ResolveResolution(facts.dpiX, facts.dpiY, 0, 0);
-    Require(reader::IsPossibleDpi(used.x) && reader::IsPossibleDpi(used.y), "a resolution in use is possible");
+    try {
+        const std::vector<uint32_t> places = reader::FindPages(file);
+        const reader::PageFacts facts = reader::OpenPage(file, places[frame % places.size()])->Facts();
+        Require(facts.dpiX >= 0 && facts.dpiY >= 0, "a resolution is no negative number");
+        const auto used = reader::ResolveResolution(facts.dpiX, facts.dpiY, 0, 0);
+        Require(reader::IsPossibleDpi(used.x) && reader::IsPossibleDpi(used.y), "a resolution in use is possible");
+    } catch (const reader::ImageError& error) {
+        Require(!error.text.empty(), "a refused page says why");
+    }
 
     const uint32_t frames = reader::CountTiffFrames([&](uint32_t offset, uint8_t* to, size_t size) {
         if (offset > file.size() || file.size() - offset < size) return false;
@@ -105,6 +112,28 @@ void image_header(Input input) {
     Require(frames == 0 || reader::IsTiff(file), "only a TIFF file has frames");
     if (const auto directory = reader::TiffFrame(file, frame)) CheckFrame(file, *directory);
     CheckBmp(file);
+}
+
+void page_file(Input input) {
+    constexpr uint64_t kMostBytes = 1 << 20;
+    const std::string_view rest = input.Rest();
+    const std::span file(reinterpret_cast<const uint8_t*>(rest.data()), rest.size());
+    test::FakeJpeg jpeg;
+    try {
+        const std::vector<uint32_t> places = reader::FindPages(file);
+        for (size_t i = 0; i < std::min<size_t>(places.size(), 3); ++i) {
+            const std::unique_ptr<reader::Page> page = reader::OpenPage(file, places[i]);
+            const reader::PageMemory memory = reader::MemoryOf(*page, jpeg);
+            if (memory.bitmap + memory.working > kMostBytes) return;
+            const auto bitmap = reader::DecodeUpright(*page, jpeg, 0, 0);
+            const auto again = reader::DecodeUpright(*page, jpeg, 0, 0);
+            Require(bitmap->Size() == memory.bitmap, "a page takes what its header says");
+            Require(bitmap->palette.empty() == (bitmap->Bits() > 8), "bitmaps of up to 8 bits have a palette");
+            Require(std::memcmp(bitmap->Data(), again->Data(), bitmap->Size()) == 0, "every byte of a page is decoded");
+        }
+    } catch (const reader::ImageError& error) {
+        Require(!error.text.empty(), "a refused page says why");
+    }
 }
 
 }  // namespace fuzz

@@ -29,6 +29,8 @@ void area_set_file(Input input);
 void image_mask(Input input);
 // Headers of image files, frames of TIFF files, BMP files.
 void image_header(Input input);
+// BMP files as pages.
+void page_file(Input input);
 
 struct Target {
     const char* name;
@@ -40,7 +42,7 @@ inline constexpr Target kTargets[] = {
     ZONWICK_TARGET(settings_file), ZONWICK_TARGET(settings_tree), ZONWICK_TARGET(set_key),
     ZONWICK_TARGET(cell_text),     ZONWICK_TARGET(column_widths), ZONWICK_TARGET(page_lengths),
     ZONWICK_TARGET(zone_file),     ZONWICK_TARGET(area_set_file), ZONWICK_TARGET(image_mask),
-    ZONWICK_TARGET(image_header),
+    ZONWICK_TARGET(image_header),  ZONWICK_TARGET(page_file),
 };
 #undef ZONWICK_TARGET
 

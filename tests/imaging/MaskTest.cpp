@@ -131,6 +131,17 @@ TEST(Masking, ColoursOfMaskedPixelsLeaveThePalette) {
     const auto masked = Masked(image, false, {{0, 0, 1, 1}});
     EXPECT_EQ(std::ranges::count(masked->palette, 0x654321u), 0);
     EXPECT_EQ(ColourAt(*masked, 5, 5), 0x123456u);
+
+    // Of two colours, too; what pads the rows has the masked one.
+    const auto bits = MakeTestImage(10, 10, 1, 254, 254);
+    bits->palette = {0x123456, 0xF0E0D0};
+    for (uint32_t y = 0; y < 10; ++y) {
+        std::fill_n(bits->Row(y), 2, uint8_t{0xFF});
+        bits->ClearPadding(y);
+    }
+    bits->Row(0)[0] = 0x7F;
+    EXPECT_EQ(Masked(bits, false, {{0, 0, 1, 1}})->palette, std::vector<uint32_t>(2, 0xF0E0D0));
+    EXPECT_EQ(Masked(bits, false, {{5, 5, 6, 6}})->palette, bits->palette);
 }
 
 TEST(Masking, TensOfThousandsOfAreas) {
