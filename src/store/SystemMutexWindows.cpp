@@ -13,6 +13,15 @@ SRWLOCK* Local(void*& place) {
     return reinterpret_cast<SRWLOCK*>(&place);
 }
 
+DWORD Wait(HANDLE mutex) {
+    constexpr DWORD kQuietWait = 3000;
+    const DWORD result = WaitForSingleObject(mutex, kQuietWait);
+    if (result != WAIT_TIMEOUT) return result;
+    trace::TraceText(trace::kDiagnostic, kSource, __LINE__,
+                     L"CAreaSetManager: the lock is held by another program or thread; waiting for it.");
+    return WaitForSingleObject(mutex, INFINITE);
+}
+
 }  // namespace
 
 CSystemMutex::CSystemMutex(const wchar_t* name) noexcept : m_handle(CreateMutexW(nullptr, FALSE, name)) {
@@ -32,7 +41,7 @@ void CSystemMutex::Lock() noexcept {
     }
     // First, so that the process's own threads are serialised whatever becomes of the wait.
     AcquireSRWLockExclusive(Local(m_local));
-    const DWORD result = m_handle != nullptr ? WaitForSingleObject(m_handle, INFINITE) : WAIT_FAILED;
+    const DWORD result = m_handle != nullptr ? Wait(m_handle) : WAIT_FAILED;
     m_held = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
     m_owner.store(self, std::memory_order_relaxed);
     m_depth = 1;
