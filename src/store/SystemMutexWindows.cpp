@@ -39,9 +39,10 @@ void CSystemMutex::Lock() noexcept {
         ++m_depth;
         return;
     }
-    // First, so that the process's own threads are serialised whatever becomes of the wait.
-    AcquireSRWLockExclusive(Local(m_local));
+    // Nothing is held while a long wait is traced: the host's logger may call exports.
     const DWORD result = m_handle != nullptr ? Wait(m_handle) : WAIT_FAILED;
+    // The process's own threads are serialised whatever became of the wait.
+    AcquireSRWLockExclusive(Local(m_local));
     m_held = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
     m_owner.store(self, std::memory_order_relaxed);
     m_depth = 1;
