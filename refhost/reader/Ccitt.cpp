@@ -197,7 +197,8 @@ private:
 
     void Draw(uint8_t* row) const {
         std::memset(row, m_rows.white, (m_rows.width + 7) / 8);
-        for (const uint32_t* change = m_row.data(); change < m_next; change += 2) Flip(row, change[0], change[1]);
+        // A row that ends white has a change at its end, which may be behind the last byte.
+        for (const uint32_t* at = m_row.data(); *at < m_rows.width; at += 2) Flip(row, at[0], at[1]);
     }
 
     // Makes white pixels black.
