@@ -56,7 +56,7 @@ private:
     bool Group3Row() {
         const bool tagged = m_coding == FaxCoding::kGroup3TwoDimensional;
         const bool marked = SkipEndOfLine();
-        if (!marked && tagged) return Fail(FaxResult::kDamaged);
+        if (!marked && tagged) return Fail(m_bits.IsAtEnd() ? FaxResult::kEndsEarly : FaxResult::kDamaged);
         const bool oneDimensional = !tagged || TakeBit();
         // Twice the code is the end of the block.
         if (marked && IsAtEndOfLine()) return Fail(FaxResult::kEndsEarly);
