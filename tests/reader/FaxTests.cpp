@@ -62,17 +62,16 @@ Bytes MakeRows(uint32_t width, Kind kind) {
 }
 
 Bytes EncodeFax(const Encoding& encoding, uint32_t width, Bytes rows) {
-    test::TiffWriter writer("wl");
-    TIFF* const tiff = writer.Tiff();
-    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, width);
-    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, kFaxRows);
-    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, kFaxRows);
-    TIFFSetField(tiff, TIFFTAG_COMPRESSION, encoding.compression);
-    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISWHITE);
-    if (encoding.options != 0) TIFFSetField(tiff, TIFFTAG_GROUP3OPTIONS, encoding.options);
-    TIFFWriteBufferSetup(tiff, nullptr, 1 << 20);
-    EXPECT_GE(TIFFWriteEncodedStrip(tiff, 0, rows.data(), static_cast<tmsize_t>(rows.size())), 0);
-    const Bytes file = writer.Finish();
+    const Bytes file = test::WriteTiff("wl", [&](TIFF* tiff) {
+        test::SetTags(tiff, {{TIFFTAG_IMAGEWIDTH, width},
+                             {TIFFTAG_IMAGELENGTH, kFaxRows},
+                             {TIFFTAG_ROWSPERSTRIP, kFaxRows},
+                             {TIFFTAG_COMPRESSION, encoding.compression},
+                             {TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISWHITE}});
+        if (encoding.options != 0) TIFFSetField(tiff, TIFFTAG_GROUP3OPTIONS, encoding.options);
+        TIFFWriteBufferSetup(tiff, nullptr, 1 << 20);
+        EXPECT_GE(TIFFWriteEncodedStrip(tiff, 0, rows.data(), static_cast<tmsize_t>(rows.size())), 0);
+    });
     const auto directory = reader::TiffFrame(file, 0);
     const auto number = [&](uint32_t tag) { return directory->Number(*directory->Find(tag), 0); };
     const uint8_t* const strip = file.data() + number(TIFFTAG_STRIPOFFSETS);
