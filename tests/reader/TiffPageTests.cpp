@@ -85,7 +85,8 @@ Bytes PieceOf(TIFF* file, const PageKind& kind, const PageForm& form, uint32_t p
         const uint32_t value = SampleAt(kind.bits, piece % across * width + inRow / samples, top + y,
                                         form.planar ? piece / (across * down) : inRow % samples);
         uint8_t* const row = bytes.data() + y * (bytes.size() / rows);
-        if (kind.bits >= 16) reader::Put(row + inRow * (kind.bits / 8), value, static_cast<int>(kind.bits / 8), false);
+        if (kind.bits >= 16)
+            reader::Put(row + size_t{inRow} * kind.bits / 8, value, static_cast<int>(kind.bits / 8), false);
         for (uint32_t bit = inRow * kind.bits, b = kind.bits < 16 ? kind.bits : 0; b-- > 0; ++bit) {
             row[bit / 8] |= static_cast<uint8_t>((value >> b & 1) << (7 - bit % 8));
         }
@@ -106,7 +107,7 @@ Bytes WritePage(const PageKind& kind, const PageCoding& coding, const PageForm& 
         const uint32_t extras = kind.samples - kind.Colors();
         if (extras != 0) TIFFSetField(file, tags::kExtraSamples, extras, extra);
         const size_t colors = map.size() / 3;
-        if (colors != 0) TIFFSetField(file, tags::kColorMap, &map[0], &map[colors], &map[2 * colors]);
+        if (colors != 0) TIFFSetField(file, tags::kColorMap, map.data(), map.data() + colors, map.data() + 2 * colors);
         for (uint32_t i = 0; i < (form.tiled ? TIFFNumberOfTiles(file) : TIFFNumberOfStrips(file)); ++i) {
             Bytes bytes = PieceOf(file, kind, form, i);
             const auto write = form.tiled ? TIFFWriteEncodedTile : TIFFWriteEncodedStrip;
@@ -156,7 +157,7 @@ Bytes Changed(Bytes file, uint32_t tag, size_t index, uint32_t value) {
 }
 
 TEST(TiffPage, SamplesBecomePixels) {
-    for (const unsigned form : {0, 1, 2, 3, 4, 6, 8, 10, 13, 15}) {
+    for (const unsigned form : {0U, 1U, 2U, 3U, 4U, 6U, 8U, 10U, 13U, 15U}) {
         ForEachKind({(form & 1) != 0, (form & 2) != 0, (form & 4) != 0, (form & 8) != 0},
                     [](const Bytes& file, auto&&, auto&&, auto&& read) { EXPECT_EQ(read(file), kRight); });
     }
