@@ -75,7 +75,7 @@ std::shared_ptr<const Bitmap> ImageFile::Decode(uint32_t frame, double dpiX, dou
 
 std::vector<uint8_t> ImageFile::ExtractFrame(uint32_t frame) const {
     const uint32_t place = Place(frame);
-    if (Frames() == 1) return {};
+    if (Frames() == 1 || !IsTiff(m_bytes)) return {};
     const auto directory = TiffDirectory::Read(m_bytes, place, m_bytes[0] == 'M');
     return directory ? ExtractTiffFrame(m_bytes, *directory) : std::vector<uint8_t>();
 }

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "refhost/reader/BmpPage.h"
+#include "refhost/reader/GifPage.h"
 #include "refhost/reader/JpegPage.h"
 #include "refhost/reader/Orientation.h"
 #include "refhost/reader/PngPage.h"
@@ -20,10 +21,11 @@ bool StartsWith(Bytes file, const char (&text)[Size]) {
     return file.size() >= Size - 1 && std::memcmp(file.data(), text, Size - 1) == 0;
 }
 
-enum class Kind { kUnknown, kPng, kJpeg, kBmp, kTiff };
+enum class Kind { kUnknown, kPng, kJpeg, kBmp, kGif, kTiff };
 
 Kind KindOf(Bytes file) {
     if (IsTiff(file)) return Kind::kTiff;
+    if (IsGif(file)) return Kind::kGif;
     if (StartsWith(file, "\x89PNG\r\n\x1a\n")) return Kind::kPng;
     if (StartsWith(file, "\xFF\xD8")) return Kind::kJpeg;
     return StartsWith(file, "BM") ? Kind::kBmp : Kind::kUnknown;
@@ -37,11 +39,12 @@ bool TurnsAxes(uint32_t orientation) {
 
 std::vector<uint32_t> FindPages(Bytes file) {
     if (file.empty()) throw ImageError{L"the file is empty; scan or export the page again"};
-    if (KindOf(file) == Kind::kUnknown) {
+    const Kind kind = KindOf(file);
+    if (kind == Kind::kUnknown) {
         throw ImageError{L"this is no image of a known format; use PNG, JPEG, BMP or TIFF"};
     }
-    if (!IsTiff(file)) return {0};
-    std::vector<uint32_t> places = TiffDirectories(file);
+    if (kind != Kind::kTiff && kind != Kind::kGif) return {0};
+    std::vector<uint32_t> places = kind == Kind::kTiff ? TiffDirectories(file) : GifImages(file);
     if (places.empty()) throw ImageError{L"the file holds no image; scan or export the page again"};
     return places;
 }
@@ -54,6 +57,8 @@ std::unique_ptr<Page> OpenPage(Bytes file, uint32_t place) {
             return std::make_unique<JpegPage>(file);
         case Kind::kBmp:
             return std::make_unique<BmpPage>(file);
+        case Kind::kGif:
+            return std::make_unique<GifPage>(file, place);
         default:
             break;
     }

@@ -1,6 +1,6 @@
 #pragma once
-// Pages of image files, read without the platform: TIFF, PNG, BMP and JPEG. A page is either proven by its file (all
-// pieces are there, lie inside the file and decode to all of their rows) or refused.
+// Pages of image files, read without the platform: TIFF, PNG, BMP, GIF and JPEG. A page is either proven by its file
+// (all pieces are there, lie inside the file and decode to all of their rows) or refused.
 //
 // Result     1-bit bitmaps keep 1 bit; grey and palettes get 8 bits, colours 24. Transparency lies on white paper.
 // Ownership  The file's bytes have to live as long as a page of them.
