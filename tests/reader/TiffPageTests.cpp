@@ -172,12 +172,13 @@ TEST(TiffPage, PiecesThatAreNotThere) {
             const uint32_t length = directory->Number(*directory->Find(lengths), 2);
             EXPECT_NE(read(Changed(file, lengths, 2, length / 2)), kWrong);
             const auto size = static_cast<uint32_t>(file.size());
-            for (const auto& [tag, index, value] :
-                 std::initializer_list<std::tuple<uint32_t, size_t, uint32_t>>{{offsets, 2, size},
-                                                                               {offsets, 2, 0},
-                                                                               {offsets, kCount, 3},
-                                                                               {lengths, kCount, 3},
-                                                                               {lengths, 2, 0}}) {
+            const struct {
+                uint32_t tag;
+                size_t index;
+                uint32_t value;
+            } changes[] = {{offsets, 2, size},   {offsets, 2, 0},      {lengths, 2, size - 1},
+                           {offsets, kCount, 3}, {lengths, kCount, 3}, {lengths, 2, 0}};
+            for (const auto& [tag, index, value] : changes) {
                 EXPECT_EQ(read(Changed(file, tag, index, value)), kRefused) << tag << ", " << index << ": " << value;
             }
         });
