@@ -21,7 +21,8 @@ TIFFS = {
     "8-jpeg": ("grey", ["-c", "jpeg", "-r", "16"]), "8-palette-lzw": ("palette", ["-c", "lzw"]),
     "16-deflate": ("wide", ["-c", "zip:2"]),
     "24-none": ("colour", ["-c", "none"]), "24-lzw": ("colour", ["-c", "lzw:2"]),
-    "24-jpeg": ("colour", ["-c", "jpeg", "-r", "16"]), "24-deflate": ("colour", ["-c", "zip:2"]), "24-packbits": ("colour", ["-c", "packbits"]),
+    "24-jpeg": ("colour", ["-c", "jpeg", "-r", "16"]), "24-deflate": ("colour", ["-c", "zip:2"]),
+    "24-packbits": ("colour", ["-c", "packbits"]),
     "24-tiles": ("colour", ["-c", "zip:2", "-t", "-w", "256", "-l", "256"]),
 }
 
@@ -34,7 +35,8 @@ def main():
     paper = numpy.array(bits.convert("L"))
     grey = Image.fromarray(numpy.where(paper > 127, 243 + noise, 20 + noise).astype(numpy.uint8))
     tint = numpy.linspace(0, 60, SIZE[0], dtype=numpy.uint8)
-    colour = Image.merge("RGB", (grey, grey.point(lambda v: v * 9 // 10), Image.fromarray(numpy.array(grey) - tint // 4)))
+    blue = Image.fromarray(numpy.array(grey) - tint // 4)
+    colour = Image.merge("RGB", (grey, grey.point(lambda v: v * 9 // 10), blue))
     wide = Image.fromarray(numpy.array(grey).astype(numpy.uint16) * 257)
     sources = {"bits": bits, "grey": grey, "colour": colour, "palette": colour.quantize(64), "wide": wide}
     for name, image in sources.items():

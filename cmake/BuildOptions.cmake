@@ -12,6 +12,14 @@ if(WIN32)
     target_link_options(zonwick_options INTERFACE -static)
     target_compile_definitions(zonwick_options INTERFACE UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX
                                                          _WIN32_WINNT=0x0601 WINVER=0x0601)
+    # See DllRuntime.cpp.
+    set(is_dll $<STREQUAL:$<TARGET_PROPERTY:TYPE>,SHARED_LIBRARY>)
+    target_sources(zonwick_options INTERFACE $<${is_dll}:${CMAKE_CURRENT_LIST_DIR}/DllRuntime.cpp>)
+    target_link_options(zonwick_options INTERFACE $<${is_dll}:-Wl,--entry,DllRuntimeEntry>)
+    foreach(function mutex_init mutex_destroy mutex_lock mutex_unlock cond_wait cond_broadcast once key_create getspecific
+                     setspecific)
+        target_link_options(zonwick_options INTERFACE $<${is_dll}:-Wl,--wrap=pthread_${function}>)
+    endforeach()
     # Every COM interface has a virtual table and no virtual destructor; that is its contract.
     target_compile_options(zonwick_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-non-virtual-dtor>)
     if(ZONWICK_CHECKED)

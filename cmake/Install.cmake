@@ -78,7 +78,7 @@ install(FILES ${package_folder}/ZonwickConfig.cmake ${package_folder}/ZonwickCon
 
 install(DIRECTORY docs refhost samples DESTINATION share/zonwick)
 install(FILES cmake/package/CMakeLists.txt DESTINATION share/zonwick)
-install(FILES cmake/BuildOptions.cmake cmake/HeaderOnly.cmake cmake/mingw-w64-x86_64.cmake
+install(FILES cmake/BuildOptions.cmake cmake/DllRuntime.cpp cmake/HeaderOnly.cmake cmake/mingw-w64-x86_64.cmake
         DESTINATION share/zonwick/cmake)
 install(FILES res/version.h.in DESTINATION share/zonwick/res)
 configure_file(cmake/package/README.md.in ${package_folder}/README.md @ONLY)

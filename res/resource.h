@@ -32,6 +32,11 @@
 #define IDS_FAILED_NOT_REGISTERED 34203
 #define IDS_FAILED_MEMORY 34204
 #define IDS_FAILED_UNEXPECTED 34205
+#define IDS_KEPT 34206
+#define IDS_BACK_LENGTH 34207
+#define IDS_BACK_AREA 34208
+#define IDS_BACK_FIELD 34209
+#define IDS_BACK_SET 34210
 /* End of the paper size dialog and the window layer */
 
 /* Configure Area Set */

@@ -71,8 +71,8 @@ typedef struct SAIndexField {
  *
  * Call it once after loading the DLL, and again whenever the node was changed by others. When the host's node cannot be
  * copied, that is traced, the sets are forgotten and the next query fails. When only some sets can be read, that is
- * traced ("CAreaSetManager::LoadSettings failed") and queries serve the sets before that place. While a dialog is open
- * the call is traced and changes nothing.
+ * traced ("CAreaSetManager::LoadSettings failed") and queries serve the sets before that place. While a dialog is open,
+ * or from within a call that the module makes to the host's settings, the call is traced and changes nothing.
  */
 void WINAPI SAInit(struct IUnknown* pHost);
 

@@ -75,6 +75,21 @@ private:
         return value.get<int64_t>();
     }
 
+    // The usual area, without the texts that a complaint would need: there can be hundreds of thousands.
+    static bool IsGoodArea(const json& value, Rect& area) {
+        if (!value.is_object() || value.size() != 4) return false;
+        for (const auto& [key, coordinate] :
+             {std::pair("left", &area.left), {"top", &area.top}, {"right", &area.right}, {"bottom", &area.bottom}}) {
+            const auto found = value.find(key);
+            if (found == value.end() || !found->is_number_integer()) return false;
+            if (found->is_number_unsigned() && found->get<uint64_t>() > uint64_t{kLongest}) return false;
+            const auto number = found->get<int64_t>();
+            *coordinate = static_cast<int32_t>(number);
+            if (*coordinate != number) return false;
+        }
+        return area.left <= area.right && area.top <= area.bottom;
+    }
+
     Rect ReadArea(const json& value, const std::string& place) const {
         Expect(value.is_object(), place, "must be an object with left, top, right and bottom");
         OnlyEntries(value, place, {"left", "top", "right", "bottom"});
@@ -107,7 +122,12 @@ private:
         Expect(problem.empty(), place + ".name", problem);
         set.flags = ReadFlags(value, place);
         Expect(value.contains("areas") && value["areas"].is_array(), place + ".areas", "must be a list of areas");
+        set.areas.reserve(value["areas"].size());
         for (const json& area : value["areas"]) {
+            if (Rect good; IsGoodArea(area, good)) {
+                set.areas.push_back(good);
+                continue;
+            }
             set.areas.push_back(ReadArea(area, place + ".areas[" + std::to_string(set.areas.size()) + "]"));
         }
         set.page = DefaultPage(set.areas);
@@ -124,25 +144,110 @@ private:
     const std::string& m_fileName;
 };
 
-// Remembers the keys of every open object: the parser alone would keep the last of two entries silently.
-class DuplicateFinder {
+// Builds the document, and remembers the first name that stands twice in an object: the parser alone would keep the
+// last of the two silently. Its own callback looks through the whole parent at the end of each object.
+class DocumentBuilder {
 public:
-    bool operator()(int depth, json::parse_event_t event, const json& parsed) {
-        const auto level = static_cast<size_t>(depth);
-        if (event == json::parse_event_t::object_start) {
-            if (m_keys.size() <= level + 1) m_keys.resize(level + 2);
-            m_keys[level + 1].clear();
-        } else if (event == json::parse_event_t::key && m_duplicate.empty()) {
-            const auto key = parsed.get<std::string>();
-            if (level < m_keys.size() && !m_keys[level].insert(key).second) m_duplicate = key;
-        }
+    using number_integer_t = json::number_integer_t;
+    using number_unsigned_t = json::number_unsigned_t;
+    using number_float_t = json::number_float_t;
+    using string_t = json::string_t;
+    using binary_t = json::binary_t;
+
+    json root;
+    std::string duplicate;
+
+    bool null() { return Put(nullptr); }
+    bool boolean(bool value) { return Put(value); }
+    bool number_integer(number_integer_t value) { return Put(value); }
+    bool number_unsigned(number_unsigned_t value) { return Put(value); }
+    bool number_float(number_float_t value, const string_t&) { return Put(value); }
+    bool string(string_t& value) { return Put(std::move(value)); }
+    bool binary(binary_t&) { return false; }
+    bool start_object(size_t) { return Open(json::object()); }
+    bool start_array(size_t) { return Open(json::array()); }
+    bool end_object() { return Close(); }
+    bool end_array() { return Close(); }
+    bool key(string_t& name) {
+        const auto [member, fresh] = m_open.back()->get_ref<json::object_t&>().emplace(name, nullptr);
+        if (!fresh && duplicate.empty()) duplicate = name;
+        m_member = &member->second;
         return true;
     }
-    const std::string& Duplicate() const { return m_duplicate; }
+    template <class Error>
+    bool parse_error(size_t, const std::string&, const Error& error) {
+        throw error;
+    }
 
 private:
-    std::vector<std::set<std::string>> m_keys;
-    std::string m_duplicate;
+    json* Add(json&& value) {
+        json* place = &root;
+        if (!m_open.empty() && m_open.back()->is_array()) {
+            place = &m_open.back()->get_ref<json::array_t&>().emplace_back();
+        } else if (!m_open.empty()) {
+            place = m_member;
+        }
+        *place = std::move(value);
+        return place;
+    }
+    bool Put(json&& value) {
+        Add(std::move(value));
+        return true;
+    }
+    bool Open(json&& value) {
+        m_open.push_back(Add(std::move(value)));
+        return true;
+    }
+    bool Close() {
+        m_open.pop_back();
+        return true;
+    }
+
+    // The innermost is the last; only that one grows, so that the others stay where they are.
+    std::vector<json*> m_open;
+    json* m_member = nullptr;
+};
+
+// Looks for what tells a settings file and stops at what tells an area set file.
+class KindFinder : public json::json_sax_t {
+public:
+    bool listed = false;  // has an entry "sets"
+    bool holdsSet = false;
+
+    bool null() override { return Value(); }
+    bool boolean(bool) override { return Value(); }
+    bool number_integer(json::number_integer_t) override { return Value(); }
+    bool number_unsigned(json::number_unsigned_t) override { return Value(); }
+    bool number_float(json::number_float_t, const std::string&) override { return Value(); }
+    bool string(std::string&) override { return Value(); }
+    bool binary(json::binary_t&) override { return Value(); }
+    bool start_object(size_t) override {
+        holdsSet = holdsSet || (m_depth == 1 && m_setKey);
+        ++m_depth;
+        return true;
+    }
+    bool start_array(size_t) override { return ++m_depth > 1; }
+    bool end_object() override {
+        --m_depth;
+        return true;
+    }
+    bool end_array() override {
+        --m_depth;
+        return true;
+    }
+    bool key(std::string& name) override {
+        if (m_depth != 1) return true;
+        m_setKey = IdOfKey(name) != 0;
+        listed = listed || name == "sets";
+        return !listed;
+    }
+    bool parse_error(size_t, const std::string&, const json::exception&) override { return false; }
+
+private:
+    bool Value() const { return m_depth > 0; }
+
+    int m_depth = 0;
+    bool m_setKey = false;
 };
 
 std::string SyntaxReason(const json::parse_error& error, std::string_view text) {
@@ -162,18 +267,14 @@ void AppendRect(std::string& text, const Rect& area) {
 }  // namespace
 
 bool IsSettings(std::string_view text) {
-    const json root = json::parse(text.begin(), text.end(), nullptr, false);
-    if (!root.is_object() || root.contains("sets")) return false;
-    const auto isSet = [](const auto& entry) { return entry.value().is_object() && IdOfKey(entry.key()) != 0; };
-    const auto entries = root.items();
-    return std::any_of(entries.begin(), entries.end(), isSet);
+    KindFinder kind;
+    return json::sax_parse(text.begin(), text.end(), &kind) && kind.holdsSet && !kind.listed;
 }
 
 std::vector<AreaSetRecord> ParseAreaSets(std::string_view text, const std::string& fileName) {
-    DuplicateFinder duplicates;
-    json root;
+    DocumentBuilder document;
     try {
-        root = json::parse(text.begin(), text.end(), std::ref(duplicates));
+        json::sax_parse(text.begin(), text.end(), &document);
     } catch (const json::parse_error& error) {
         throw CommandError(ExitCode::kNothingDone, fileName + ": " + SyntaxReason(error, text));
     } catch (const json::out_of_range& error) {
@@ -182,11 +283,11 @@ std::vector<AreaSetRecord> ParseAreaSets(std::string_view text, const std::strin
         throw CommandError(ExitCode::kNothingDone,
                            fileName + ": no valid JSON: " + reason.substr(reason.find(' ') + 1));
     }
-    if (!duplicates.Duplicate().empty()) {
+    if (!document.duplicate.empty()) {
         throw CommandError(ExitCode::kNothingDone,
-                           fileName + ": an object has two entries \"" + duplicates.Duplicate() + "\"");
+                           fileName + ": an object has two entries \"" + document.duplicate + "\"");
     }
-    return Reader(fileName).Read(root);
+    return Reader(fileName).Read(document.root);
 }
 
 std::string FormatAreaSets(const std::vector<AreaSetRecord>& sets) {
@@ -195,7 +296,8 @@ std::string FormatAreaSets(const std::vector<AreaSetRecord>& sets) {
         text += &set == sets.data() ? "\n    {\n" : ",\n    {\n";
         if (set.id != 0) text += "      \"id\": " + std::to_string(set.id) + ",\n";
         const std::string name = json(set.name).dump(-1, ' ', false, json::error_handler_t::replace);
-        text += "      \"name\": " + name + ",\n";
+        // The library leaves some of the characters that terminals obey as they are.
+        text += "      \"name\": " + Printable(name) + ",\n";
         text += std::string("      \"mode\": ") + (set.Ignored() ? "\"ignored\"" : "\"required\"") + ",\n";
         if ((set.flags & ~kAreasIgnored) != 0) text += "      \"flags\": " + std::to_string(set.flags) + ",\n";
         const int64_t width = int64_t{set.page.right} - set.page.left;

@@ -31,7 +31,7 @@ constexpr const char* kFooter =
     "  0  all done\n"
     "  1  some pages were not masked; each is told on standard error\n"
     "  2  the command line is wrong\n"
-    "  3  the settings file cannot be read or written\n"
+    "  3  the settings file cannot be read or written, or an area set in it cannot be read whole\n"
     "  4  nothing was done: no such set, no page could be masked, a file to be imported has a mistake,\n"
     "     a library is missing; or standard output could not be written\n"
     "  5  mask was interrupted (Ctrl+C); the pages that it tells as done are whole\n"
@@ -74,7 +74,8 @@ constexpr const char* kManageFooter =
     "drawn on a blank page of a configured size.\n"
     "\n"
     "What came of it is printed. When another program changed the file in the meantime, OK is refused; the sets are\n"
-    "kept in FILE.refused-1 (-2, ...), and the exit code is 3.\n"
+    "kept in FILE.refused-1 (-2, ...), and the exit code is 3. Over sets that cannot be read whole it opens with\n"
+    "--as-read alone, because OK would store them as they were read.\n"
     "\n"
     "Examples:\n"
     "  zonhost manage --settings settings.json letter.tif folder\\of\\scans\n"
@@ -257,6 +258,8 @@ private:
     void AddManage() {
         CLI::App& manage = *m_app.add_subcommand("manage", "Make and change area sets in their dialogs");
         manage.footer(kManageFooter);
+        manage.add_flag("--as-read", m_manage.asRead,
+                        "Open over sets that cannot be read whole; OK stores them as they were read");
         AddWindowOptions(manage, m_manage.window, false);
         manage.callback([this] { m_command = [this] { return ManageSets(m_common, m_manage); }; });
     }

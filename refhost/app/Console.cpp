@@ -34,14 +34,14 @@ DWORD Write(DWORD which, std::string_view text) {
 }  // namespace
 
 void Print(std::string_view text) {
-    const DWORD error = Write(STD_OUTPUT_HANDLE, text);
+    const DWORD error = Write(STD_OUTPUT_HANDLE, Printable(text, true));
     if (error == 0) return;
     throw CommandError(ExitCode::kNothingDone, "standard output cannot be written: " + SystemMessage(error) +
                                                    "; what is there of it is not whole");
 }
 
 void PrintError(std::string_view text) {
-    Write(STD_ERROR_HANDLE, text);
+    Write(STD_ERROR_HANDLE, Printable(text, true));
 }
 
 bool ErrorsGoToTerminal() {
@@ -101,12 +101,12 @@ void ProgressBar::End() {
 void ProgressBar::Draw() const {
     if (!m_shown) return;
     const size_t filled = kBarWidth * m_done / m_total;
-    PrintError("\r[" + std::string(filled, '#') + std::string(kBarWidth - filled, '.') + "] " + std::to_string(m_done) +
-               "/" + std::to_string(m_total));
+    Write(STD_ERROR_HANDLE, "\r[" + std::string(filled, '#') + std::string(kBarWidth - filled, '.') + "] " +
+                                std::to_string(m_done) + "/" + std::to_string(m_total));
 }
 
 void ProgressBar::Clear() const {
-    if (m_shown) PrintError("\r" + std::string(kBarWidth + 30, ' ') + "\r");
+    if (m_shown) Write(STD_ERROR_HANDLE, "\r" + std::string(kBarWidth + 30, ' ') + "\r");
 }
 
 }  // namespace zonhost

@@ -8,6 +8,7 @@
 
 namespace zonhost {
 
+// Both print names from files as well: what a terminal would obey is shown as \uXXXX, but for line ends.
 // To standard output. Throws CommandError (kNothingDone) when not all of it arrives there.
 void Print(std::string_view text);
 // To standard error, as far as it goes: there is nowhere else to tell.

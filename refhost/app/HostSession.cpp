@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "refhost/app/Console.h"
+#include "refhost/app/StoredSets.h"
 #include "refhost/com/ClassRegistration.h"
 #include "refhost/settings/HostSettings.h"
 #include "refhost/support/HostSupport.h"
@@ -45,7 +46,11 @@ constexpr int kErrorSeverity = 2;
 void CALLBACK OnTrace(const HostTrace* trace, void* context) {
     Reports& reports = *static_cast<Reports*>(context);
     if (reports.verbose) ShowTrace(trace);
-    if (trace->severity == kErrorSeverity && trace->source && std::string_view(trace->source) == "HostSettings") {
+    const std::string_view source = trace->source ? trace->source : "";
+    const bool waits = (source == "HostSettings" || source == "AreaSetManager") &&
+                       std::wstring_view(trace->text).ends_with(L"waiting for it.");
+    if (waits) PrintError("zonhost: " + Utf8FromWide(trace->text) + "\n");
+    if (trace->severity == kErrorSeverity && source == "HostSettings") {
         reports.commits.failure = Utf8FromWide(trace->text);
     }
 }
@@ -155,6 +160,27 @@ ZonwickLibrary& HostSession::Library() {
     if (!m_parts->library) {
         m_parts->library = std::make_unique<ZonwickLibrary>();
         m_parts->library->Open(m_parts->root);
+    }
+    return *m_parts->library;
+}
+
+std::vector<TreeSet> HostSession::Sets(ISettingsNode* root) const {
+    return ReadTreeSets(root, m_parts->classes.Dll().Export<decltype(HostSettingsWalk)>("HostSettingsWalk"));
+}
+
+ZonwickLibrary& HostSession::LibraryWith(const TreeSet& set) {
+    const com::HostDll& store = m_parts->classes.Dll();
+    ISettingsNodePtr node;
+    const auto create = store.Export<decltype(HostSettingsCreateNode)>("HostSettingsCreateNode");
+    if (FAILED(create(&node))) FailSettings(store);
+    WriteSet(node, {set.record, set.key, false});
+    m_parts->library = std::make_unique<ZonwickLibrary>();
+    m_parts->library->Open(node);
+    AreaSetRecord wanted = set.record;
+    wanted.page = {};
+    if (m_parts->library->Sets() != std::vector{wanted}) {
+        throw CommandError(ExitCode::kNothingDone, "the library does not read " + set.Title() +
+                                                       " as it stands in the settings file; it is not masked with");
     }
     return *m_parts->library;
 }

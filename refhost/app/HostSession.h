@@ -8,6 +8,7 @@
 #include "host/SettingsStore.h"
 #include "refhost/app/Options.h"
 #include "refhost/app/OutputFile.h"
+#include "refhost/app/SetReader.h"
 #include "refhost/app/ZonwickLibrary.h"
 
 namespace zonhost {
@@ -27,8 +28,14 @@ public:
 
     // The host's settings node.
     ISettingsNode* Node() const;
+    // The sets of the node, or of another one of the store, as they stand there. Throws CommandError (kSettings).
+    std::vector<TreeSet> Sets() const { return Sets(Node()); }
+    std::vector<TreeSet> Sets(ISettingsNode* root) const;
     // The library, loaded at the first call, with the sets of the node.
     ZonwickLibrary& Library();
+    // The library with this set alone, so that nothing else in the node can change what it makes of it. Throws
+    // CommandError when it serves anything but this set. Once for a session, in place of Library.
+    ZonwickLibrary& LibraryWith(const TreeSet& set);
     // Changes the node and commits it to the file as a whole. Throws CommandError (kSettings): then the file is as
     // before.
     void Change(const std::function<void(ISettingsNode*)>& change);

@@ -65,16 +65,21 @@ bool Wanted(const ImportOptions& options, const std::string& name) {
 std::vector<AreaSetRecord> ReadSettingsFile(const HostSession& session, const std::filesystem::path& path,
                                             const ImportOptions& options) {
     std::vector<AreaSetRecord> sets;
+    const std::string file = Utf8FromPath(path);
     session.Look(path, [&](ISettingsNode* root) {
-        for (const StoredSet& stored : ReadStoredSets(root)) {
-            if (!Wanted(options, stored.name)) continue;
-            const std::string problem = NameProblem(stored.name);
-            if (!problem.empty()) {
-                throw CommandError(ExitCode::kNothingDone, Utf8FromPath(path) + ": " + stored.key +
-                                                               ": the set's name " + problem +
-                                                               "; use --set to import others");
+        for (TreeSet& set : session.Sets(root)) {
+            if (!Wanted(options, set.record.name)) continue;
+            std::string problem = set.problem;
+            if (const std::string named = NameProblem(set.record.name); set.Whole() && !named.empty()) {
+                problem = "the name " + named;
             }
-            sets.push_back(ReadSet(root, stored));
+            if (!problem.empty()) {
+                throw CommandError(ExitCode::kNothingDone, file + ": " + set.Title() + ": " + problem +
+                                                               "; use --set to import others, or mend the file");
+            }
+            PrintError(TellPages({set}));
+            if (set.record.page == Rect{}) set.record.page = DefaultPage(set.record.areas);
+            sets.push_back(std::move(set.record));
         }
     });
     return sets;
@@ -85,6 +90,28 @@ void ExpectAllFound(const ImportOptions& options, const std::vector<AreaSetRecor
         if (std::any_of(sets.begin(), sets.end(), [&](const AreaSetRecord& set) { return set.name == name; })) continue;
         throw CommandError(ExitCode::kNothingDone, "no file holds an area set \"" + name + "\"");
     }
+}
+
+size_t Digits(int64_t value) {
+    size_t digits = value < 0 ? 2 : 1;
+    for (; value > 9 || value < -9; value /= 10) ++digits;
+    return digits;
+}
+
+// Told before the settings are filled with what they could not store: the areas alone, as the store writes them.
+void ExpectRoom(const std::vector<AreaSetRecord>& sets) {
+    constexpr std::string_view kArea =
+        R"("": {"Position:bottom": , "Position:left": , "Position:right": , "Position:top": },)";
+    size_t size = 0;
+    for (const AreaSetRecord& set : sets) {
+        for (const Rect& area : set.areas) {
+            size += kArea.size() + 1 + Digits(area.bottom) + Digits(area.left) + Digits(area.right) + Digits(area.top);
+        }
+    }
+    if (size <= kSettingsMaxFileSize) return;
+    throw CommandError(ExitCode::kNothingDone,
+                       "the sets to be imported take more than the " + std::to_string(kSettingsMaxFileSize >> 20) +
+                           " MiB that a settings file can have; import fewer of them with --set");
 }
 
 std::vector<AreaSetRecord> ReadFiles(const HostSession& session, const ImportOptions& options) {
@@ -104,12 +131,14 @@ std::vector<AreaSetRecord> ReadFiles(const HostSession& session, const ImportOpt
         }
     }
     ExpectAllFound(options, sets);
+    ExpectRoom(sets);
     return sets;
 }
 
 std::string Describe(const PlannedSet& planned) {
-    return KeyOfId(planned.set.id) + "  " + (planned.replaces ? "replaced" : "new     ") + "  \"" + planned.set.name +
-           "\", " + std::to_string(planned.set.areas.size()) + (planned.set.Ignored() ? " ignored" : " required") +
+    return KeyOfId(planned.set.id) + "  " + (planned.replaces ? "replaced" : "new     ") + "  \"" +
+           Printable(planned.set.name) + "\", " + std::to_string(planned.set.areas.size()) +
+           (planned.set.Ignored() ? " ignored" : " required") +
            (planned.set.areas.size() == 1 ? " area\n" : " areas\n");
 }
 
@@ -136,7 +165,7 @@ ExitCode ImportSets(const CommonOptions& common, const ImportOptions& options) {
     files.Add(options.page, "the page of the zones");
     HostSession session(common, files, HostSession::Settings::kMayBeNew);
     std::vector<AreaSetRecord> sets = ReadFiles(session, options);
-    const auto planned = PlanImport(std::move(sets), ReadStoredSets(session.Node()), options.replace);
+    const auto planned = PlanImport(std::move(sets), StoredSets(session.Sets()), options.replace);
     if (!options.dryRun) {
         session.Change([&](ISettingsNode* root) {
             for (const PlannedSet& set : planned) WriteSet(root, set);

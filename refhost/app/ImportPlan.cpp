@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <limits>
 #include <set>
+#include <unordered_map>
 
 #include "refhost/app/Text.h"
 
@@ -56,14 +57,16 @@ std::vector<PlannedSet> PlanImport(std::vector<AreaSetRecord> sets, const std::v
     std::set<std::string> names;
     std::vector<std::string> twice;
     std::vector<std::string> there;
+    std::unordered_map<std::string, const StoredSet*> first;
+    for (const StoredSet& set : stored) first.emplace(set.name, &set);
     std::vector<PlannedSet> planned;
     for (AreaSetRecord& set : sets) {
         if (!names.insert(set.name).second) twice.push_back("\"" + set.name + "\"");
-        const auto same = std::find_if(stored.begin(), stored.end(), [&](const auto& s) { return s.name == set.name; });
-        const bool replaces = same != stored.end();
+        const auto same = first.find(set.name);
+        const bool replaces = same != first.end();
         if (replaces && !replace) there.push_back("\"" + set.name + "\"");
-        set.id = replaces ? same->id : ids.Take();
-        std::string key = replaces ? same->key : KeyOfId(set.id);
+        set.id = replaces ? same->second->id : ids.Take();
+        std::string key = replaces ? same->second->key : KeyOfId(set.id);
         planned.push_back({std::move(set), std::move(key), replaces});
     }
     if (!twice.empty()) {

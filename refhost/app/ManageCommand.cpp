@@ -3,18 +3,27 @@
 #include "refhost/app/Commands.h"
 #include "refhost/app/Console.h"
 #include "refhost/app/HostSession.h"
-#include "refhost/app/StoredSets.h"
 #include "refhost/app/WindowHost.h"
 
 namespace zonhost {
 
 ExitCode ManageSets(const CommonOptions& common, const ManageOptions& options) {
     HostSession session(common, FilesOfWindow(common, options.window), HostSession::Settings::kMayBeNew);
+    const std::string file = Utf8FromPath(common.settings);
+    if (const std::string broken = TellBroken(session.Sets(), file); !broken.empty()) {
+        // OK stores all sets as the library read them: what it could not read would be lost.
+        if (!options.asRead) {
+            throw CommandError(ExitCode::kSettings,
+                               broken +
+                                   "\nThe dialog was not opened: its OK would store them as far as they can be "
+                                   "read. --as-read opens it all the same.");
+        }
+        PrintError("zonhost: " + broken + "\n");
+    }
     const WindowHost windows(options.window);
     if (!session.Library().ManageSets(windows.Owner(), windows.Quire())) {
         throw CommandError(ExitCode::kNothingDone, "the dialog could not be opened; --verbose shows the log");
     }
-    const std::string file = Utf8FromPath(common.settings);
     const HostSession::Outcome& commits = session.Commits();
     // The store's words tell what is wrong with the file and where it keeps the refused sets.
     if (!commits.failure.empty()) {
@@ -26,7 +35,7 @@ ExitCode ManageSets(const CommonOptions& common, const ManageOptions& options) {
         Print("Nothing was changed in " + file + ".\n");
         return ExitCode::kDone;
     }
-    const size_t count = ReadStoredSets(session.Node()).size();
+    const size_t count = session.Sets().size();
     Print("Saved " + std::to_string(count) + (count == 1 ? " area set to " : " area sets to ") + file + ".\n");
     return ExitCode::kDone;
 }

@@ -26,17 +26,21 @@ const Format& FormatOf(const std::string& name) {
     return *std::find_if(std::begin(kFormats), std::end(kFormats) - 1, [&](const auto& f) { return name == f.name; });
 }
 
-void CheckSet(const ZonwickLibrary& library, const std::string& name) {
-    std::vector<std::string> unusable;
-    const std::vector<AreaSetRecord> sets = library.Sets(unusable);
-    const auto set = std::find_if(sets.begin(), sets.end(), [&](const auto& s) { return s.name == name; });
-    if (set == sets.end()) {
-        throw CommandError(ExitCode::kNothingDone,
-                           "there is no area set \"" + name + "\"; `zonhost sets list` shows those that there are");
+// The set to mask with. All that would make every page fail is told once, before the first.
+TreeSet FindSet(const HostSession& session, const std::string& name, const std::string& file) {
+    const std::vector<TreeSet> sets = session.Sets();
+    const TreeSet* set = FindByName(sets, name, file);
+    const auto refuse = [&](const std::string& reason) { throw CommandError(ExitCode::kNothingDone, reason); };
+    const std::string shown = "the area set \"" + name + "\" ";
+    if (set == nullptr) {
+        refuse("there is no area set \"" + name + "\"; `zonhost sets list` shows those that there are");
+    } else if (set->record.areas.empty()) {
+        refuse(shown + "has no areas to mask by");
+    } else if (Utf16Length(name) > kLongestName) {
+        refuse(shown + "has a name of more than " + std::to_string(kLongestName) +
+               " characters and cannot be masked with; give it a shorter one in `zonhost manage`");
     }
-    if (set->areas.empty()) {
-        throw CommandError(ExitCode::kNothingDone, "the area set \"" + name + "\" has no areas to mask by");
-    }
+    return *set;
 }
 
 // Whether the log is, or would become, a file with the name of a result: an earlier one, or one that is to come.
@@ -79,11 +83,12 @@ ExitCode MaskPages(const CommonOptions& common, const MaskOptions& options) {
     }
     HostSession session(common, files);
     files.Add(common.log, "the log");
-    CheckSet(session.Library(), options.set);
+    const TreeSet set = FindSet(session, options.set, Utf8FromPath(common.settings));
+    const ZonwickLibrary& library = session.LibraryWith(set);
     MakeFolder(options.out);
     files::SweepParts(options.out.native());
     const OutputGuard guard(files, options.force);
-    return RunMask({options, session.Library(), pages, names, guard, format.format});
+    return RunMask({options, library, pages, names, guard, format.format});
 }
 
 }  // namespace zonhost

@@ -63,6 +63,7 @@ struct ViewOptions {
 
 struct ManageOptions {
     WindowOptions window;
+    bool asRead = false;  // also over sets that cannot be read whole
 };
 
 struct FieldsOptions {

@@ -1,4 +1,4 @@
-// zonhost sets list, show and export: what the exports of the library tell.
+// zonhost sets list, show and export: what stands in the settings file, also what the library cannot serve.
 
 #include <algorithm>
 
@@ -7,34 +7,36 @@
 #include "refhost/app/Console.h"
 #include "refhost/app/HostSession.h"
 #include "refhost/app/OutputFile.h"
-#include "refhost/app/StoredSets.h"
 
 namespace zonhost {
 
 namespace {
 
-std::vector<AreaSetRecord> ReadSets(HostSession& session) {
-    std::vector<std::string> unusable;
-    std::vector<AreaSetRecord> sets = session.Library().Sets(unusable);
-    for (const std::string& line : unusable) PrintError("zonhost: " + line + "\n");
-    // The page belongs to the host's settings; the exports do not serve it.
-    for (const StoredSet& stored : ReadStoredSets(session.Node())) {
-        for (AreaSetRecord& set : sets) {
-            if (set.id == stored.id) set.page = ReadPage(session.Node(), stored.key);
-        }
+// By name, then by identifier. Throws when it, or another one that could be meant, was not read whole.
+const AreaSetRecord& FindSet(const std::vector<TreeSet>& sets, const std::string& wanted, const std::string& file) {
+    auto found = FindByName(sets, wanted, file);
+    if (const auto id = ParseNumber(wanted); found == nullptr && id) {
+        const auto same = std::find_if(sets.begin(), sets.end(), [&](const auto& set) { return set.record.id == *id; });
+        if (same != sets.end()) found = &*same;
     }
-    return sets;
+    if (found == nullptr) {
+        throw CommandError(ExitCode::kNothingDone, "there is no area set with the name or identifier \"" + wanted +
+                                                       "\"; `zonhost sets list` shows those that there are");
+    }
+    if (!found->Whole()) throw CommandError(ExitCode::kSettings, TellBroken({*found}, file));
+    return found->record;
 }
 
-// By name, then by identifier.
-const AreaSetRecord& FindSet(const std::vector<AreaSetRecord>& sets, const std::string& wanted) {
-    auto found = std::find_if(sets.begin(), sets.end(), [&](const auto& set) { return set.name == wanted; });
-    if (const auto id = ParseNumber(wanted); found == sets.end() && id) {
-        found = std::find_if(sets.begin(), sets.end(), [&](const auto& set) { return set.id == *id; });
+// The sets that were read whole; the others are told.
+std::vector<AreaSetRecord> WholeSets(const std::vector<TreeSet>& sets, const std::string& file, ExitCode& code) {
+    std::vector<AreaSetRecord> whole;
+    for (const TreeSet& set : sets) {
+        if (set.Whole()) whole.push_back(set.record);
     }
-    if (found != sets.end()) return *found;
-    throw CommandError(ExitCode::kNothingDone, "there is no area set with the name or identifier \"" + wanted +
-                                                   "\"; `zonhost sets list` shows those that there are");
+    PrintError(TellPages(sets));
+    code = whole.size() == sets.size() ? ExitCode::kDone : ExitCode::kSettings;
+    if (code != ExitCode::kDone) PrintError("zonhost: " + TellBroken(sets, file) + "\n");
+    return whole;
 }
 
 std::string Padded(const std::string& text, size_t width, bool right = false) {
@@ -67,11 +69,13 @@ void WriteNewFile(const std::filesystem::path& path, const std::string& text, co
 
 ExitCode ListSets(const CommonOptions& common, const ListOptions& options) {
     HostSession session(common);
-    const std::vector<AreaSetRecord> sets = ReadSets(session);
+    ExitCode code = ExitCode::kDone;
+    std::vector<AreaSetRecord> sets = WholeSets(session.Sets(), Utf8FromPath(common.settings), code);
     if (options.json) {
         Print(FormatAreaSets(sets));
-        return ExitCode::kDone;
+        return code;
     }
+    for (AreaSetRecord& set : sets) set.name = Printable(set.name);
     size_t width = 4;
     for (const AreaSetRecord& set : sets) width = std::max(width, Utf16Length(set.name));
     Print(Padded("ID", 10) + "  " + Padded("Name", width) + "  Areas  Mode\n");
@@ -79,18 +83,18 @@ ExitCode ListSets(const CommonOptions& common, const ListOptions& options) {
         Print(KeyOfId(set.id) + "  " + Padded(set.name, width) + "  " +
               Padded(std::to_string(set.areas.size()), 5, true) + "  " + Mode(set) + "\n");
     }
-    return ExitCode::kDone;
+    return code;
 }
 
 ExitCode ShowSet(const CommonOptions& common, const ShowOptions& options) {
     HostSession session(common);
-    const std::vector<AreaSetRecord> sets = ReadSets(session);
-    const AreaSetRecord& set = FindSet(sets, options.set);
+    const std::vector<TreeSet> sets = session.Sets();
+    const AreaSetRecord& set = FindSet(sets, options.set, Utf8FromPath(common.settings));
     if (options.json) {
         Print(FormatAreaSets({set}));
         return ExitCode::kDone;
     }
-    std::string text = set.name + "\n  ID    " + KeyOfId(set.id) + "\n  Mode  " + Mode(set) +
+    std::string text = Printable(set.name) + "\n  ID    " + KeyOfId(set.id) + "\n  Mode  " + Mode(set) +
                        (set.Ignored() ? " (the areas are left out)" : " (the areas are kept)") + "\n  Page  " +
                        Millimetres(int64_t{set.page.right} - set.page.left) + " x " +
                        Millimetres(int64_t{set.page.bottom} - set.page.top) + " mm\n  Areas in mm\n";
@@ -109,11 +113,14 @@ ExitCode ShowSet(const CommonOptions& common, const ShowOptions& options) {
 
 ExitCode ExportSets(const CommonOptions& common, const ExportOptions& options) {
     HostSession session(common);
-    std::vector<AreaSetRecord> sets = ReadSets(session);
-    if (!options.sets.empty()) {
-        std::vector<AreaSetRecord> wanted;
-        for (const std::string& name : options.sets) wanted.push_back(FindSet(sets, name));
-        sets = std::move(wanted);
+    const std::string file = Utf8FromPath(common.settings);
+    const std::vector<TreeSet> stored = session.Sets();
+    ExitCode code = ExitCode::kDone;
+    std::vector<AreaSetRecord> sets;
+    if (options.sets.empty()) {
+        sets = WholeSets(stored, file, code);
+    } else {
+        for (const std::string& name : options.sets) sets.push_back(FindSet(stored, name, file));
     }
     const std::string text = FormatAreaSets(sets);
     if (options.out.empty()) {
@@ -121,7 +128,7 @@ ExitCode ExportSets(const CommonOptions& common, const ExportOptions& options) {
     } else {
         WriteNewFile(options.out, text, common, options.force);
     }
-    return ExitCode::kDone;
+    return code;
 }
 
 }  // namespace zonhost

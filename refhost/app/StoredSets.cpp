@@ -66,51 +66,6 @@ void WriteRect(ISettingsNode* node, const std::string& name, const Rect& rect) {
 
 }  // namespace
 
-std::vector<StoredSet> ReadStoredSets(ISettingsNode* root) {
-    std::vector<StoredSet> sets;
-    for (const std::string& key : SubNodeNames(root)) {
-        const uint32_t id = IdOfKey(key);
-        if (id == 0) continue;
-        BSTR name = nullptr;
-        const bool named = SUCCEEDED(SubNode(root, Name(key))->GetString(_bstr_t(L"Name"), &name));
-        const _bstr_t owner(named ? name : nullptr, false);
-        sets.push_back({id, Utf8FromWide({owner.length() ? name : L"", owner.length()}), key});
-    }
-    return sets;
-}
-
-AreaSetRecord ReadSet(ISettingsNode* root, const StoredSet& stored) {
-    AreaSetRecord set;
-    set.name = stored.name;
-    const ISettingsNodePtr node = SubNode(root, Name(stored.key));
-    LONGLONG value = 0;
-    if (SUCCEEDED(node->GetInt64(_bstr_t(L"Flags"), &value))) set.flags = static_cast<uint32_t>(value);
-    const ISettingsNodePtr areas = SubNode(node, L"Rect");
-    for (const std::string& name : SubNodeNames(areas)) {
-        const ISettingsNodePtr area = SubNode(areas, Name(name));
-        Rect rect;
-        for (const auto& c : kCoordinates) {
-            if (SUCCEEDED(area->GetInt64(_bstr_t(c.name), &value))) rect.*c.coordinate = static_cast<int32_t>(value);
-        }
-        set.areas.push_back(rect);
-    }
-    set.page = ReadPage(root, stored.key);
-    if (set.page == Rect{}) set.page = DefaultPage(set.areas);
-    return set;
-}
-
-Rect ReadPage(ISettingsNode* root, const std::string& key) {
-    ISettingsNodePtr node;
-    if (FAILED(SubNode(root, Name(key))->GetSubNode(_bstr_t(L"DisplayRect"), &node)) || !node) return {};
-    Rect rect;
-    for (const auto& c : kCoordinates) {
-        LONGLONG value = 0;
-        if (FAILED(node->GetInt64(_bstr_t(c.name), &value))) return {};
-        rect.*c.coordinate = static_cast<int32_t>(value);
-    }
-    return rect;
-}
-
 void WriteSet(ISettingsNode* root, const PlannedSet& planned) {
     const ISettingsNodePtr node = SubNode(root, Name(planned.key));
     Check(node->SetString(_bstr_t(L"Name"), Name(planned.set.name)));

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <charconv>
+#include <cstdio>
 #include <cstring>
 #include <cwctype>
 #include <fstream>
@@ -64,6 +65,38 @@ std::string FoldCase(std::string_view text) {
         if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
     }
     return folded;
+}
+
+std::string Printable(std::string_view text, bool lines) {
+    std::string shown;
+    shown.reserve(text.size());
+    for (size_t i = 0; i < text.size(); ++i) {
+        const auto unit = [&](size_t at) { return at < text.size() ? static_cast<unsigned char>(text[at]) : 0U; };
+        const unsigned byte = unit(i);
+        unsigned code = 0;
+        size_t length = 1;
+        if (byte < 0x20 || byte == 0x7F) {
+            code = byte;
+        } else if (byte == 0xC2 && unit(i + 1) < 0xA0) {
+            code = unit(i + 1);
+            length = 2;
+        } else if (byte == 0xE2 && (unit(i + 1) == 0x80 || unit(i + 1) == 0x81)) {
+            code = 0x2000 | (unit(i + 1) & 0x3F) << 6 | (unit(i + 2) & 0x3F);
+            length = 3;
+        }
+        const bool turns = (code >= 0x200E && code <= 0x200F) || (code >= 0x2028 && code <= 0x202E) ||
+                           (code >= 0x2066 && code <= 0x2069);
+        const bool escaped = length == 3 ? turns : code != 0 || byte == 0;
+        if (!escaped || (lines && byte == '\n')) {
+            shown += text[i];
+            continue;
+        }
+        char escape[8];
+        std::snprintf(escape, sizeof escape, "\\u%04x", code & 0xFFFF);
+        shown += escape;
+        i += length - 1;
+    }
+    return shown;
 }
 
 std::optional<int64_t> ParseNumber(std::string_view text) {

@@ -39,6 +39,10 @@ size_t Utf16Length(std::string_view text);
 // Lower case for comparing file names as Windows does, near enough to keep two names apart.
 std::string FoldCase(std::string_view text);
 
+// The text without anything that a terminal would obey: control characters and those that turn the direction of writing
+// stand as \uXXXX, as in JSON. Line ends stay when `lines` is set.
+std::string Printable(std::string_view text, bool lines = false);
+
 // A whole number that takes up the whole text, decimal or hexadecimal with "0x"; nothing for any other text.
 std::optional<int64_t> ParseNumber(std::string_view text);
 

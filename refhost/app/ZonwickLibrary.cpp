@@ -30,17 +30,12 @@ void ZonwickLibrary::Open(IUnknown* settings) {
     }
 }
 
-std::vector<AreaSetRecord> ZonwickLibrary::Sets(std::vector<std::string>& unusable) const {
+std::vector<AreaSetRecord> ZonwickLibrary::Sets() const {
     std::vector<AreaSetRecord> sets;
     DWORD id = 0;
     for (int index = 0; m_mapIndex2Id(index, &id); ++index) {
         SAAreaInfo info{};
-        if (!m_getAreaInfo(id, &info)) {
-            unusable.push_back("area set " + std::to_string(id) + " \"" + Utf8FromWide(info.szName) +
-                               "...\" has a name of more than " + std::to_string(kLongestName) +
-                               " characters and cannot be used; give it a shorter one");
-            continue;
-        }
+        if (!m_getAreaInfo(id, &info)) continue;  // its name does not fit into the record
         std::vector<RECT> rects(info.nAreas);
         if (!m_getAreaRects(id, rects.data())) {
             throw CommandError(ExitCode::kSettings, "the areas of set " + std::to_string(id) + " cannot be read");

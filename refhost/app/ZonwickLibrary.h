@@ -35,9 +35,8 @@ public:
     // Hands over the settings node and reads the sets; throws CommandError (kSettings) when they cannot be read.
     void Open(IUnknown* settings);
 
-    // All sets in the host's order, without their pages. `unusable` receives a line for each set that the exports do
-    // not serve.
-    std::vector<AreaSetRecord> Sets(std::vector<std::string>& unusable) const;
+    // All sets that the exports serve, in the host's order, without their pages.
+    std::vector<AreaSetRecord> Sets() const;
 
     MaskedImage Mask(void* image, const std::wstring& setName) const;
 

@@ -4,11 +4,8 @@
 #include "refhost/controls/list/ListTable.h"
 
 BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*) {
-    if (reason == DLL_PROCESS_ATTACH) {
-        DisableThreadLibraryCalls(instance);
-        // A dialog that lacks the class reports that a control could not be made; box and help work without it.
-        listtable::RegisterListTable(instance);
-    }
+    // A dialog that lacks the class reports that a control could not be made; box and help work without it.
+    if (reason == DLL_PROCESS_ATTACH) listtable::RegisterListTable(instance);
     if (reason == DLL_PROCESS_DETACH) listtable::UnregisterListTable(instance);
     return TRUE;
 }

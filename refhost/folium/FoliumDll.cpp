@@ -19,10 +19,7 @@ HINSTANCE ModuleInstance() noexcept {
 }  // namespace folium
 
 BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* reserved) {
-    if (reason == DLL_PROCESS_ATTACH) {
-        g_instance = instance;
-        DisableThreadLibraryCalls(instance);
-    }
+    if (reason == DLL_PROCESS_ATTACH) g_instance = instance;
     // The class's procedure goes with the DLL.
     if (reason == DLL_PROCESS_DETACH && reserved == nullptr) UnregisterClassW(folium::kWindowClass, instance);
     return TRUE;

@@ -124,8 +124,7 @@ BOOL HostLanguageSet(const wchar_t* name) {
     }
 }
 
-BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID processEnds) {
-    if (reason == DLL_PROCESS_ATTACH) DisableThreadLibraryCalls(instance);
+BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) {
     // Files that were mapped as data have no code, so letting go of them is safe even here. The end of the process
     // does it by itself.
     if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) {

@@ -59,9 +59,9 @@ public:
 
 private:
     uint32_t Pixel(const uint8_t* row, uint32_t x) const {
-        if (m_layout.bits == 16) return row[x * 2] | uint32_t{row[x * 2 + 1]} << 8;
+        if (m_layout.bits == 16) return row[size_t{x} * 2] | uint32_t{row[size_t{x} * 2 + 1]} << 8;
         uint32_t pixel = 0;
-        for (uint32_t i = 0; i < 4; ++i) pixel |= uint32_t{row[x * 4 + i]} << (8 * i);
+        for (uint32_t i = 0; i < 4; ++i) pixel |= uint32_t{row[size_t{x} * 4 + i]} << (8 * i);
         return pixel;
     }
 

@@ -56,7 +56,7 @@ private:
     bool Group3Row() {
         const bool tagged = m_coding == FaxCoding::kGroup3TwoDimensional;
         const bool marked = SkipEndOfLine();
-        if (!marked && tagged) return Fail(FaxResult::kDamaged);
+        if (!marked && tagged) return Fail(m_bits.IsAtEnd() ? FaxResult::kEndsEarly : FaxResult::kDamaged);
         const bool oneDimensional = !tagged || TakeBit();
         // Twice the code is the end of the block.
         if (marked && IsAtEndOfLine()) return Fail(FaxResult::kEndsEarly);
@@ -197,10 +197,8 @@ private:
 
     void Draw(uint8_t* row) const {
         std::memset(row, m_rows.white, (m_rows.width + 7) / 8);
-        // A change behind the last pixel changes nothing, and has no byte of its own.
-        for (const uint32_t* change = m_row.data(); change < m_next && *change < m_rows.width; change += 2) {
-            Flip(row, change[0], change[1]);
-        }
+        // A row that ends white has a change at its end, which may be behind the last byte.
+        for (const uint32_t* at = m_row.data(); *at < m_rows.width; at += 2) Flip(row, at[0], at[1]);
     }
 
     // Makes white pixels black.

@@ -23,7 +23,7 @@ void MirrorBits(uint8_t* row, uint32_t width) {
     std::reverse(row, row + bytes);
     ReverseBits({row, bytes});
     // The padding is in front now.
-    const uint32_t shift = static_cast<uint32_t>(bytes * 8 - width);
+    const auto shift = static_cast<uint32_t>(bytes * 8 - width);
     if (shift == 0) return;
     for (size_t i = 0; i < bytes; ++i) {
         const uint32_t next = i + 1 < bytes ? row[i + 1] : 0U;

@@ -160,7 +160,7 @@ private:
 
     void PutPixel(uint32_t from, uint32_t to, uint8_t* row) const {
         if (m_page.Bits() == 1) {
-            const uint8_t bit = static_cast<uint8_t>(0x80 >> to % 8);
+            const auto bit = static_cast<uint8_t>(0x80 >> to % 8);
             const bool set = (m_pixels[from / 8] >> (7 - from % 8) & 1) != 0;
             row[to / 8] = static_cast<uint8_t>(set ? row[to / 8] | bit : row[to / 8] & ~bit);
             return;
@@ -182,7 +182,7 @@ private:
         for (uint32_t x = 0; x < width; ++x) {
             bool keyed = true;
             for (uint32_t s = 0; s < samples; ++s)
-                keyed = keyed && SampleAt(x * samples + s) == Get16(m_key, s * 2, true);
+                keyed = keyed && SampleAt(x * samples + s) == Get16(m_key, size_t{s} * 2, true);
             if (!keyed) continue;
             if (m_page.Bits() == 1) {
                 to[x / 8] = static_cast<uint8_t>(to[x / 8] | 0x80 >> x % 8);

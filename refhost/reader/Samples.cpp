@@ -9,8 +9,14 @@ namespace reader {
 
 namespace {
 
+// The nearest of 256 steps to one of 65,536.
+uint8_t WideToByte(uint32_t value) {
+    return static_cast<uint8_t>((value * 255 + 32895) >> 16);
+}
+
 uint8_t ScaledToByte(uint32_t value, uint32_t bits) {
-    const uint32_t most = bits >= 16 ? 0xFFFF : (1U << bits) - 1;
+    if (bits >= 16) return WideToByte(value);
+    const uint32_t most = (1U << bits) - 1;
     return static_cast<uint8_t>((value * 255 + most / 2) / most);
 }
 
@@ -36,6 +42,14 @@ Value Load(const uint8_t* at) {
 
 template <class Value>
 void Accumulate(uint8_t* row, size_t count, size_t step) {
+    if (step == 1) {
+        Value sum = 0;
+        for (size_t i = 0; i < count; ++i) {
+            sum = static_cast<Value>(sum + Load<Value>(row + i * sizeof(Value)));
+            std::memcpy(row + i * sizeof(Value), &sum, sizeof sum);
+        }
+        return;
+    }
     for (size_t i = step; i < count; ++i) {
         const auto sum =
             static_cast<Value>(Load<Value>(row + i * sizeof(Value)) + Load<Value>(row + (i - step) * sizeof(Value)));
@@ -139,11 +153,27 @@ void SampleConverter::ThreeColours(const uint8_t* from, uint32_t count, uint8_t*
         std::memcpy(to, from, size_t{count} * 3);
         return;
     }
-    for (uint32_t x = 0; x < count; ++x, from += 3, to += 3) {
+    // Four pixels are three words.
+    uint32_t x = 0;
+    for (; x + 4 <= count; x += 4, from += 12, to += 12) {
+        const auto a = Load<uint32_t>(from);
+        const auto b = Load<uint32_t>(from + 4);
+        const auto c = Load<uint32_t>(from + 8);
+        const uint32_t turned[] = {(a >> 16 & 0xFF) | (a & 0xFF00) | (a & 0xFF) << 16 | (b >> 8 & 0xFF) << 24,
+                                   (b & 0xFF0000FF) | a >> 24 << 8 | (c & 0xFF) << 16,
+                                   (b >> 16 & 0xFF) | c >> 24 << 8 | (c & 0xFF0000) | (c >> 8 & 0xFF) << 24};
+        std::memcpy(to, turned, sizeof turned);
+    }
+    for (; x < count; ++x, from += 3, to += 3) {
         to[0] = from[2];
         to[1] = from[1];
         to[2] = from[0];
     }
+}
+
+void SampleConverter::WideGrey(const uint8_t* from, uint32_t count, uint8_t* to) const {
+    const uint32_t turned = m_layout.photometric == tiff::kWhiteIsZero ? 0xFFFF : 0;
+    for (uint32_t x = 0; x < count; ++x) to[x] = WideToByte(Load<uint16_t>(from + size_t{x} * 2) ^ turned);
 }
 
 template <class Mix>
@@ -168,6 +198,7 @@ void SampleConverter::Convert(const uint8_t* const* planes, uint32_t count, uint
         return;
     }
     if (single && m_layout.bits <= 8) return Indices(planes[0], count, to);
+    if (single && m_layout.bits == 16) return WideGrey(planes[0], count, to);
     const uint8_t* from = Bytes(planes, count);
     const uint32_t colors = m_layout.colors;
     if (colors == 3 && m_layout.samples == 3) return ThreeColours(from, count, to);

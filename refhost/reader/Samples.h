@@ -35,6 +35,7 @@ public:
 private:
     void Indices(const uint8_t* from, uint32_t count, uint8_t* to) const;
     const uint8_t* Bytes(const uint8_t* const* planes, uint32_t count);
+    void WideGrey(const uint8_t* from, uint32_t count, uint8_t* to) const;
     void ThreeColours(const uint8_t* from, uint32_t count, uint8_t* to) const;
     template <class Mix>
     void Pixels(const uint8_t* from, uint32_t count, uint8_t* to, Mix mix) const;

@@ -26,22 +26,14 @@ void PassStep(int id) {
     if (error != ERROR_SUCCESS) ThrowFileError(L"The settings could not be stored", error);
 }
 
-// Removes what an ended process left of a commit.
-void RemoveRemains(const std::wstring& path) {
-    if (DeleteFileW(path.c_str())) return;
-    const DWORD error = GetLastError();
-    if (error != ERROR_FILE_NOT_FOUND) {
-        ThrowFileError(L"\"" + path + L"\" is in the way", error, L"Remove it and try again.");
-    }
-}
-
 }  // namespace
 
 void SetStep(HostSettingsStep step, void* context) noexcept {
     g_step = {step, context};
 }
 
-FileStore::FileStore(const wchar_t* path) : m_path(FullPath(path)), m_bytes(ReadFileBytes(m_path, kMaxFileSize)) {
+FileStore::FileStore(const wchar_t* path)
+    : m_given(FullPath(path)), m_path(RealPath(m_given)), m_bytes(ReadFileBytes(m_path, kMaxFileSize)) {
     try {
         m_root = m_bytes ? ReadTree(*m_bytes) : std::make_shared<Node>();
     } catch (const DamageError& error) {
@@ -109,55 +101,85 @@ void FileStore::WriteOver(const std::string& text) {
                                                 L"\" was changed by another program since it was read, so it was not "
                                                 L"overwritten. Open the settings again and repeat the change.");
     }
+    CheckNames();
     PassStep(kHostStepCompared);
     const DWORD attributes = GetFileAttributesW(m_path.c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
         ThrowFileError(L"\"" + m_path + L"\" is write-protected", ERROR_ACCESS_DENIED,
                        L"Take off the file's write protection and try again.");
     }
-    const std::wstring fresh = Beside(L".commit");
-    const std::wstring backup = Beside(L".bak.commit");
-    RemoveRemains(fresh);
-    WriteNewFile(fresh, text, access.get(), [](int part) { PassStep(kHostStepHalfWritten + part); });
-    try {
-        if (m_bytes) {
-            RemoveRemains(backup);
-            WriteNewFile(backup, *m_bytes, access.get());
-            MoveOver(backup, Beside(L".bak"));
-        }
-        PassStep(kHostStepBackedUp);
-        // From the swap on nothing may fail any more.
-        std::string bytes = text;
-        std::string canonical = text;
-        MoveOver(fresh, m_path);
-        m_bytes = std::move(bytes);
-        m_text = std::move(canonical);
-    } catch (...) {
-        DeleteFileW(backup.c_str());
-        DeleteFileW(fresh.c_str());
-        throw;
+    TemporaryFile fresh(Beside(L".commit"), access.get());
+    fresh.Write(text, [](int part) { PassStep(kHostStepHalfWritten + part); });
+    if (m_bytes) {
+        TemporaryFile backup(Beside(L".bak.commit"), access.get());
+        backup.Write(*m_bytes);
+        backup.MoveOver(Beside(L".bak"));
+    } else {
+        RequireFreeName(m_path);
     }
+    PassStep(kHostStepBackedUp);
+    // From the swap on nothing may fail any more.
+    std::string bytes = text;
+    std::string canonical = text;
+    fresh.MoveOver(m_path);
+    m_bytes = std::move(bytes);
+    m_text = std::move(canonical);
+    m_refused.clear();
     RunStep(kHostStepSwapped);
 }
 
-std::wstring FileStore::KeepRefused(const std::string& text) noexcept {
-    constexpr int kMostKept = 999;
-    try {
-        const LocalBlock access = AccessLike(m_path);
-        for (int i = 1; i <= kMostKept; ++i) {
-            const std::wstring path = Beside(L".refused-") + std::to_wstring(i);
-            try {
-                WriteNewFile(path, text, access.get());
-            } catch (const StatusError& error) {
-                if (error.Status() == HRESULT_FROM_WIN32(ERROR_FILE_EXISTS)) continue;
-                throw;
-            }
-            return L"The settings that could not be stored are kept in \"" + path + L"\".";
-        }
-    } catch (...) {
-        // The message below is all that is left to say.
+// The swap puts a new file under one name: any other name would go on showing the old content.
+void FileStore::CheckNames() const {
+    if (RealPath(m_given) != m_path && m_bytes) {
+        throw StatusError(kSettingsChanged, L"\"" + m_given + L"\" leads to another file than \"" + m_path +
+                                                L"\", which was read, so nothing was written. Open the settings "
+                                                L"again and repeat the change.");
     }
-    return L"The settings that could not be stored could not be kept in a file either.";
+    if (m_bytes && CountNames(m_path) > 1) {
+        ThrowFileError(L"\"" + m_path + L"\" has other names (hard links), which would go on showing the old content",
+                       ERROR_NOT_SUPPORTED, L"Put a copy of the file in its place and try again.");
+    }
+}
+
+std::wstring FileStore::KeepRefused(const std::string& text) noexcept {
+    try {
+        if (m_refusedText != text || !IsRefusedKept()) WriteRefused(text);
+        return L"The settings that could not be stored are kept in \"" + m_refused + L"\".";
+    } catch (...) {
+        return L"The settings that could not be stored could not be kept in a file either.";
+    }
+}
+
+// Whether the file is there as this store wrote it: somebody may have made it their own.
+bool FileStore::IsRefusedKept() const {
+    return !m_refused.empty() && RealPath(m_refused) == m_refused &&
+           ReadFileBytes(m_refused, kMaxFileSize) == m_refusedText;
+}
+
+// In place of the file that this store wrote before, if it is still as it was written; else under the next free name.
+void FileStore::WriteRefused(const std::string& text) {
+    constexpr int kMostKept = 999;
+    const LocalBlock access = AccessLike(m_path);
+    std::string kept = text;
+    if (IsRefusedKept()) {
+        TemporaryFile fresh(m_refused + L".commit", access.get());
+        fresh.Write(text);
+        fresh.MoveOver(m_refused);
+        m_refusedText = std::move(kept);
+        return;
+    }
+    for (int i = 1; i <= kMostKept; ++i) {
+        std::wstring path = Beside(L".refused-") + std::to_wstring(i);
+        try {
+            WriteNewFile(path, text, access.get());
+        } catch (const StatusError& error) {
+            if (error.Status() != HRESULT_FROM_WIN32(ERROR_FILE_EXISTS) || i == kMostKept) throw;
+            continue;
+        }
+        m_refused = std::move(path);
+        m_refusedText = std::move(kept);
+        return;
+    }
 }
 
 }  // namespace settings

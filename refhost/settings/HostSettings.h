@@ -16,12 +16,17 @@
 //             onto the root. ClearNode of the root followed by CopyNode onto it is one commit, not two. What is not
 //             committed when the root is released is dropped.
 // Commits     The new tree is written beside the file, flushed and swapped in; the version before is kept as
-//             "<file>.bak". "<file>.lock" exists while a commit runs and keeps other processes out. Whatever fails or
-//             ends in between, the file holds the old or the new tree. A commit that changes nothing writes nothing.
+//             "<file>.bak". "<file>.lock" and "<file>.commit" exist while a commit runs and go away with its process;
+//             the first keeps other processes out. A file of such a name that is not the commit's own is neither
+//             followed nor removed: the commit fails and names it. A name that is a symbolic link stands for the file
+//             that it leads to, and all these files stand beside that one; a file with several names (hard links) is
+//             not stored into. Whatever fails or ends in between, the file holds the old or the new tree. A commit that
+//             changes nothing writes nothing.
 //             When a commit fails, the root again is what it was before ClearNode or CopyNode (single writes before a
 //             failed HostSettingsCommit stay, to be committed again). A file that somebody changed since it was read is
 //             not overwritten (kSettingsChanged). The tree that did not get into the file is kept as
-//             "<file>.refused-<n>"; the message tells that name. Open the file anew to go on with its present content.
+//             "<file>.refused-<n>", one file for each root that is rewritten when a later refused tree
+//             differs; the message tells that name. Open the file anew to go on with its present content.
 // The file    UTF-8 JSON: an object is a node, a string, whole number or boolean is a value. Members of any other kind
 //             (null, fractions, numbers beyond 64 bits, lists) are kept as they stand; they cannot be read as values.
 //             A string that is no valid UTF-16 is stored as the list ["utf-16", unit, unit, ...]; a name has to be
@@ -80,7 +85,29 @@ enum HostSettingsStepId : int {
     kHostStepLast = kHostStepSwapped,
 };
 
+enum HostSettingsKind : int {
+    kHostSettingsNode = 1,  // its members follow, up to its kHostSettingsEnd
+    kHostSettingsEnd = 2,
+    kHostSettingsText = 3,
+    kHostSettingsNumber = 4,
+    kHostSettingsTruth = 5,
+    kHostSettingsOther = 6,  // kept as it stands, cannot be read as a value
+};
+
+// One step of a walk. The texts are not NUL-terminated and valid for the length of the call.
+struct HostSettingsMember {
+    HostSettingsKind kind;
+    const wchar_t* name;
+    size_t nameLength;
+    const wchar_t* text;  // kHostSettingsText
+    size_t textLength;
+    LONGLONG number;  // kHostSettingsNumber
+};
+
 extern "C" {
+
+// Called for each member in the order of the tree; false ends the walk.
+using HostSettingsVisit = BOOL(CALLBACK*)(const HostSettingsMember* member, void* context);
 
 // Called at each step of a commit, for hosts that want to know when the file was written, and for tests of what happens
 // when the process ends or the disk fails just there. 0 goes
@@ -93,6 +120,9 @@ HRESULT HostSettingsOpenFile(const wchar_t* path, ISettingsNode** root);
 HRESULT HostSettingsCreateNode(ISettingsNode** node);
 // Writes the tree of a root from HostSettingsOpenFile to its file; E_INVALIDARG for any other node.
 HRESULT HostSettingsCommit(ISettingsNode* root);
+// Shows everything in and below a node of this store, without making any node: a walk for programs that have to know
+// what stands in a tree, members that cannot be read as values included. E_INVALIDARG for a node of another maker.
+HRESULT HostSettingsWalk(ISettingsNode* node, HostSettingsVisit visit, void* context);
 // The text of this process's last failure, never null; the caller frees it.
 HRESULT HostSettingsLastMessage(BSTR* text);
 // Sets what is called at each step of a commit; null ends that.

@@ -55,10 +55,10 @@ std::wstring SystemText(DWORD error) {
     return std::wstring(text, length) + L" (error " + std::to_wstring(error) + L").";
 }
 
-void TraceFailure(const wchar_t* format, ...) {
+void Trace(int severity, const wchar_t* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    CLogBase::TraceImpl(Log::kError, nullptr, "HostSettings", 0, format, arguments);
+    CLogBase::TraceImpl(severity, nullptr, "HostSettings", 0, format, arguments);
     va_end(arguments);
 }
 
@@ -91,13 +91,17 @@ StatusError CurrentError() noexcept {
     }
 }
 
+void TraceWait(const std::wstring& message) noexcept {
+    Trace(Log::kDiagnostic, L"%ls", message.c_str());
+}
+
 HRESULT Report(const StatusError& error) noexcept {
     Remember(error.Message());
     return error.Status();
 }
 
 HRESULT ReportToUser(const StatusError& error) noexcept {
-    TraceFailure(L"%ls", error.Message().c_str());
+    Trace(Log::kError, L"%ls", error.Message().c_str());
     return Report(error);
 }
 

@@ -28,6 +28,9 @@ private:
 // The exception being handled as a status error.
 StatusError CurrentError() noexcept;
 
+// Traces at severity 6 that something takes long.
+void TraceWait(const std::wstring& message) noexcept;
+
 // Remembers a failure as the last one and gives its status.
 HRESULT Report(const StatusError& error) noexcept;
 // Idem, and traces it at severity 2.

@@ -149,4 +149,10 @@ int HostSupportShowBox(HWND parent, const wchar_t* text, const wchar_t* caption,
 const wchar_t* HostSupportApplicationName(void) {
     return support::kApplicationName;
 }
+
+BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) {
+    // Every module that traces is gone by then; at the end of the process it may be there still.
+    if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) delete &Logger::Get();
+    return TRUE;
+}
 }

@@ -32,7 +32,7 @@ std::wstring LogLine(const HostTrace& trace) {
 }  // namespace
 
 Logger& Logger::Get() {
-    // Never destroyed: modules trace while the process unloads them.
+    // No static object: modules trace while a process that ends lets go of them. DllMain deletes it otherwise.
     static Logger& logger = *new Logger;
     return logger;
 }

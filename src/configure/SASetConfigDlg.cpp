@@ -65,7 +65,7 @@ std::span<const win32::EventEntry> CSASetConfigDlg::GetEventMap() const {
         win32::OnEvent<&CSASetConfigDlg::OnRectDeleted>(IDC_CONFIG_PAGE, kFoliumRectDeleted),
         win32::OnEvent<&CSASetConfigDlg::OnRectChanged>(IDC_CONFIG_PAGE, kFoliumRectChanged),
         win32::OnEvent<&CSASetConfigDlg::OnRectSelected>(IDC_CONFIG_PAGE, kFoliumRectSelected),
-        win32::OnEvent<&CSASetConfigDlg::OnPointerMoved>(IDC_CONFIG_PAGE, kFoliumPointerMoved),
+        win32::OnPointerEvent<&CSASetConfigDlg::OnPointerMoved>(IDC_CONFIG_PAGE, kFoliumPointerMoved),
         win32::OnEvent<&CSASetConfigDlg::OnContextMenuRequested>(IDC_CONFIG_PAGE, kFoliumContextMenuRequested),
     };
     return kMap;
@@ -100,6 +100,7 @@ bool CSASetConfigDlg::OnInitDialog() {
     CheckDlgButton(IDC_CONFIG_IGNORED, ignored);
     CheckDlgButton(IDC_CONFIG_REQUIRED, !ignored);
     ApplyColumnWidths();
+    m_bOpened = true;
     return true;
 }
 
@@ -254,19 +255,24 @@ LRESULT CSASetConfigDlg::OnHelpInfo(WPARAM, LPARAM) {
     return TRUE;
 }
 
-// Everything is read before anything is changed: a rectangle that cannot be had leaves the set as it was.
+// Everything is read before anything is changed: a rectangle that cannot be had leaves the set as it was. So does one
+// that goes while the control is asked, because the rows are taken before.
 void CSASetConfigDlg::OnOK() {
     m_list.EndEdit(true);
     if (!m_pFolium || !m_pPage) {
         OnCancel();
         return;
     }
+    std::vector<std::pair<LONG, std::wstring>> rows;
+    for (int row = 0; row < m_list.GetItemCount(); ++row) {
+        rows.emplace_back(static_cast<LONG>(m_list.GetItemData(row)),
+                          IsIndexing() ? m_list.GetItemText(row, rectlist::kIndexingField) : std::wstring());
+    }
     std::vector<PageRect> rects;
     std::map<std::wstring, PageRect> fieldRects;
-    for (int row = 0; row < m_list.GetItemCount(); ++row) {
+    for (const auto& [id, field] : rows) {
         FoliumRect rect = {};
-        CallHost(m_pFolium.GetInterfacePtr(), &IFolium::QueryRect, static_cast<LONG>(m_list.GetItemData(row)), &rect);
-        const std::wstring field = IsIndexing() ? m_list.GetItemText(row, rectlist::kIndexingField) : std::wstring();
+        CallHost(m_pFolium.GetInterfacePtr(), &IFolium::QueryRect, LONG{id}, &rect);
         fieldRects[field] = FromFolium(rect);
         rects.push_back(FromFolium(rect));
     }

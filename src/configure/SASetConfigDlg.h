@@ -92,6 +92,7 @@ private:
     bool m_bProcessCtrlEvents = true;  // the control's rectangle events change the list
     bool m_bUpdatingList = false;      // the dialog itself changes the list's selection
     bool m_removeEnabled = true;
+    bool m_bOpened = false;  // the set-up came to its end
     CAreaSet* m_pAreaSet;
     int32_t m_nPage = -1;
     int32_t m_nDoc = -1;

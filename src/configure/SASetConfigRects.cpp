@@ -64,6 +64,7 @@ void CSASetConfigDlg::OnRectAdded(LONG id) {
             row = m_list.InsertItem(m_list.GetItemCount(), {});
         } catch (...) {
             m_pFolium->DeleteRect(id);  // without a row, OK would leave it out
+            TellTakenBack(IDS_BACK_AREA);
             throw;
         }
         LVITEMW item = {};
@@ -141,6 +142,7 @@ void CSASetConfigDlg::OnAdd() {
             row = m_list.InsertItem(item);
         } catch (...) {
             m_pFolium->DeleteRect(id);  // without a row, OK would leave it out
+            TellTakenBack(IDS_BACK_AREA);
             throw;
         }
         EnableRemove(true);
@@ -194,6 +196,7 @@ void CSASetConfigDlg::OnFieldEdited(int row) {
             m_list.SetItemText(other, rectlist::kIndexingField, {});
         }
     } catch (...) {
+        TellTakenBack(IDS_BACK_FIELD);
         m_list.SetItemText(row, rectlist::kIndexingField, {});  // two rows of one field would lose one of the places
         throw;
     }
@@ -208,6 +211,7 @@ void CSASetConfigDlg::OnLengthEdited(int row, Column column) {
         ApplyLength(row, column, id, shown);
     } catch (...) {
         // OK stores what the page has, so the row may not show anything else.
+        TellTakenBack(IDS_BACK_LENGTH);
         if (shown) {
             UpdateRectRow(row, *shown);
         } else {

@@ -65,8 +65,9 @@ void CentreWindow(HWND window) {
 
 }  // namespace
 
-// A page that cannot be had because a host call failed counts as no page.
+// A page that cannot be had because a host call failed counts as no page. A host need not have a document stack.
 bool CSASetConfigDlg::GetPage(uint32_t& flags, IPageImagePtr& page) {
+    if (!GetApp().GetQuire()) return false;
     try {
         return GetApp().GetPage(m_nDoc, m_nPage, page, flags);
     } catch (const _com_error&) {
@@ -194,10 +195,11 @@ void CSASetConfigDlg::SaveViewSettings() {
     node.SetString(GetWidthsSetting(IsIndexing()).key, m_list.GetColumnWidths(kRelativeWidths));
 }
 
-// What cannot be remembered is no reason to lose the dialog's result.
+// What cannot be remembered is no reason to lose the dialog's result. A dialog that did not come to show what is
+// remembered has nothing to put in its place.
 LRESULT CSASetConfigDlg::OnDestroy(WPARAM, LPARAM) {
     try {
-        if (m_list.GetSafeHwnd() != nullptr) SaveViewSettings();
+        if (m_bOpened) SaveViewSettings();
     } catch (...) {
         win32::TraceFailure(std::current_exception(), kSource, __LINE__, L"CSASetConfigDlg::SaveViewSettings");
     }

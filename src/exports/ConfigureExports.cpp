@@ -81,6 +81,7 @@ BOOL ConfigureSet(HWND hParent, DWORD dwID) {
                                             L"SAConfigureSet: pSet or pNewSet is NULL.");
     }
     CWnd parent(hParent);
+    const exports::OpenDialog open;
     CSASetConfigDlg dialog(pNewSet.get(), GetAreaColors(), {}, &parent);
     INT_PTR result = 0;
     if (!RunDialog(dialog, hParent, result)) return FALSE;
@@ -148,6 +149,7 @@ BOOL ConfigureFields(HWND a_hParent, LPCWSTR name, SAIndexField* fields, int cou
     std::vector<std::wstring> names;
     TakeFields(fields, count, set, names);
     CWnd parent(a_hParent);
+    const exports::OpenDialog open;
     CSASetConfigDlg dialog(&set, GetAreaColors(), std::move(names), &parent);
     INT_PTR result = 0;
     if (!RunDialog(dialog, a_hParent, result)) return FALSE;

@@ -26,18 +26,27 @@ bool LoadSetsOrReport(HWND parent, int line) {
     return false;
 }
 
-DialogScope::DialogScope(bool& running, const wchar_t* name) : m_running(running), m_refused(running) {
-    if (m_refused) {
-        trace::TraceText(trace::kDiagnostic, kSource, __LINE__, L"%ls: called again while its dialog is open.", name);
+DialogScope::DialogScope(bool& running, const wchar_t* name) : m_running(running) {
+    const bool exclusive = GetAreaSetManager()->IsExclusive();
+    m_refused = running || exclusive;
+    if (!m_refused) {
+        m_running = true;
         return;
     }
-    m_running = true;
-    GetApp().DialogOpened();
+    trace::TraceText(trace::kDiagnostic, kSource, __LINE__,
+                     exclusive ? L"%ls: called while the sets are being loaded or stored."
+                               : L"%ls: called again while its dialog is open.",
+                     name);
 }
 
 DialogScope::~DialogScope() {
-    if (m_refused) return;
-    m_running = false;
+    if (!m_refused) m_running = false;
+}
+
+OpenDialog::OpenDialog() {
+    GetApp().DialogOpened();
+}
+OpenDialog::~OpenDialog() {
     GetApp().DialogClosed();
 }
 

@@ -16,7 +16,8 @@ BOOL ReportDialogFailure(HWND parent, int line, int severity, const wchar_t* tex
 // Loads the sets; a failure is traced as 34106 and shown.
 bool LoadSetsOrReport(HWND parent, int line);
 
-// Marks an export as running. The second one of the same kind is refused: it is traced, and Refused is true.
+// Marks an export as running. One is refused (it is traced, and Refused is true) while another of the same kind runs,
+// and within a host's call for loading or storing the sets.
 class DialogScope {
 public:
     DialogScope(bool& running, const wchar_t* name);
@@ -27,7 +28,16 @@ public:
 
 private:
     bool& m_running;
-    bool m_refused;
+    bool m_refused = false;
+};
+
+// From before its dialog opens until what it changed is stored: SAInit changes nothing.
+class OpenDialog {
+public:
+    OpenDialog();
+    ~OpenDialog();
+    OpenDialog(const OpenDialog&) = delete;
+    OpenDialog& operator=(const OpenDialog&) = delete;
 };
 
 }  // namespace exports

@@ -20,6 +20,7 @@ BOOL Configure(HWND hParent, IQuire* stack, int document, int page) {
     const win32::ResourceScope resources;
     if (!exports::LoadSetsOrReport(hParent, __LINE__)) return FALSE;
     CWnd parent(hParent);
+    const exports::OpenDialog open;
     CSAMgrConfigDlg(GetAreaSetManager(), &parent).DoModal();
     return TRUE;
 }

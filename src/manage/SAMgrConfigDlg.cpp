@@ -147,13 +147,14 @@ void CSAMgrConfigDlg::OnSettings() {
     }
     const int item = GetCurrentItem();
     if (item < 0) return;
-    CAreaSet* set = m_pManager->GetAreaSet(GetItemID(item));
-    if (set == nullptr) return;
     ComSettingsNode node(settings());
     const auto read = [&](const wchar_t* key, int32_t fallback) {
         return win32::ReadOr(fallback, [&] { return node.GetInt64(key); });
     };
-    set->SetDisplayRect({0, 0, read(kKeyRealWidth, kDefaultRealWidth), read(kKeyRealHeight, kDefaultRealHeight)});
+    const PageRect size = {0, 0, read(kKeyRealWidth, kDefaultRealWidth), read(kKeyRealHeight, kDefaultRealHeight)};
+    CAreaSet* set = m_pManager->GetAreaSet(GetItemID(item));  // behind the host's calls, which may let it go
+    if (set == nullptr) return;
+    set->SetDisplayRect(size);
     UpdatePreviewControl(item);
     UpdateSizeLabel();
 }
@@ -183,8 +184,7 @@ void CSAMgrConfigDlg::OnOK() {
     if (m_stopped != 0) return;
     m_list.SetFocus();  // ends a label's editing, with what was typed
     try {
-        m_pManager->StoreSettings();
-        if (!m_pManager->WasLastStoreComplete()) {
+        if (!m_pManager->StoreSettings() || !m_pManager->WasLastStoreComplete()) {
             TellFailure(IDS_MANAGE_NOT_STORED, __LINE__);
             return;
         }

@@ -22,6 +22,7 @@ protected:
     bool OnInitDialog() override;
     void OnOK() override;
     void OnCancel() override;
+    bool IsBusy() const override { return m_pManager->IsExclusive(); }
 
 private:
     // Set-up, page source, OK and Cancel (SAMgrConfigDlg.cpp)

@@ -41,6 +41,7 @@ int CSAMgrConfigDlg::AppendItem(const std::wstring& name, uint32_t dwID) {
         return m_list.InsertItem(m_list.GetItemCount(), name, static_cast<LPARAM>(dwID));
     } catch (...) {
         m_pManager->RemoveSet(dwID);
+        TellTakenBack(IDS_BACK_SET);
         throw;
     }
 }

@@ -14,6 +14,7 @@ void CopyOver(ISettingsNode* target, ISettingsNode* source) {
 }  // namespace
 
 void CZonwickApp::SetHostSettings(ISettingsNode* node) {
+    const CAreaSetManager::Exclusive exclusive(*GetAreaSetManager());
     if (m_pHostNode.GetInterfacePtr() != node) m_pHostNode = node;
     m_pWorkingNode = nullptr;
     // Without a working node every later load fails and says so; the sets of an earlier host's node do not stand in.
@@ -28,6 +29,7 @@ void CZonwickApp::SetHostSettings(ISettingsNode* node) {
 
 void CZonwickApp::RefreshFromHost() {
     if (!m_pHostNode || !m_pWorkingNode) return;
+    const CAreaSetManager::Exclusive exclusive(*GetAreaSetManager());
     try {
         CopyOver(m_pWorkingNode, m_pHostNode);
     } catch (...) {
@@ -40,5 +42,6 @@ void CZonwickApp::RefreshFromHost() {
 
 void CZonwickApp::CommitToHost() {
     if (!m_pHostNode || !m_pWorkingNode) return;
+    const CAreaSetManager::Exclusive exclusive(*GetAreaSetManager());
     CopyOver(m_pHostNode, m_pWorkingNode);
 }

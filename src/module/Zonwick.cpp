@@ -47,6 +47,11 @@ void Init(IUnknown* pHost) {
         trace::TraceText(trace::kDiagnostic, kSource, __LINE__, L"SAInit: a dialog is open, nothing was changed.");
         return;
     }
+    if (GetAreaSetManager()->IsExclusive()) {
+        trace::TraceText(trace::kDiagnostic, kSource, __LINE__,
+                         L"SAInit: the sets are being loaded or stored, nothing was changed.");
+        return;
+    }
     ISettingsNodePtr node;
     if (pHost != nullptr) {
         const HRESULT status = pHost->QueryInterface(__uuidof(ISettingsNode), reinterpret_cast<void**>(&node));

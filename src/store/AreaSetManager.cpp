@@ -24,11 +24,21 @@ CAreaSetManager::CAreaSetManager(NodeSource nodeSource, const wchar_t* mutexName
     : m_mutex(mutexName), m_nodeSource(nodeSource) {}
 
 CAreaSetManager::~CAreaSetManager() {
-    RemoveAllSets();
+    const CSystemLock lock(m_mutex);
+    Clear();
+}
+
+// Under the lock. The sets are in use only by a call that this one comes from.
+bool CAreaSetManager::MayChange() const {
+    if (!IsExclusive()) return true;
+    trace::TraceText(trace::kDiagnostic, kSource, __LINE__,
+                     L"CAreaSetManager: the sets are being loaded or stored, nothing was changed.");
+    return false;
 }
 
 int32_t CAreaSetManager::AddSet(const std::wstring& name, uint32_t dwID) {
     const CSystemLock lock(m_mutex);
+    if (!MayChange()) return -1;
     std::unique_ptr<CAreaSet> set;
     if (dwID != 0) {
         if (GetAreaSet(dwID) != nullptr) return -1;
@@ -65,6 +75,7 @@ int32_t CAreaSetManager::AppendSet(std::unique_ptr<CAreaSet> set) {
 
 uint32_t CAreaSetManager::CopySet(uint32_t dwID) {
     const CSystemLock lock(m_mutex);
+    if (!MayChange()) return 0;
     const CAreaSet* source = GetAreaSet(dwID);
     if (source == nullptr) return 0;
     const int32_t position = AddSet({}, 0);
@@ -113,32 +124,43 @@ int32_t CAreaSetManager::GetCount() {
 
 bool CAreaSetManager::RemoveSet(uint32_t dwID) {
     const CSystemLock lock(m_mutex);
+    if (!MayChange()) return false;
     int32_t position = -1;
     if (GetAreaSet(dwID, &position) == nullptr) {
         trace::TraceText(trace::kDiagnostic, kSource, __LINE__,
                          L"CAreaSetManager::RemoveSet: wrong dwID was specified.");
         return false;
     }
+    TakeOut(position);
+    return true;
+}
+
+void CAreaSetManager::TakeOut(int32_t position) {
+    m_positions.erase(m_arrSets[static_cast<size_t>(position)]->GetID());
     m_arrSets.erase(m_arrSets.begin() + position);
-    m_positions.erase(dwID);
     for (auto& entry : m_positions) {
         if (entry.second > position) --entry.second;
     }
-    return true;
 }
 
 void CAreaSetManager::RemoveAllSets() {
     const CSystemLock lock(m_mutex);
+    if (MayChange()) Clear();
+}
+
+void CAreaSetManager::Clear() {
     m_arrSets.clear();
     m_positions.clear();
 }
 
 void CAreaSetManager::SetAreaSetName(uint32_t dwID, const std::wstring& name) {
+    if (!MayChange()) return;
     if (CAreaSet* set = GetAreaSet(dwID)) set->SetName(name);
 }
 
 bool CAreaSetManager::UpdateSet(const CAreaSet& set) {
     const CSystemLock lock(m_mutex);
+    if (!MayChange()) return false;
     CAreaSet* managed = GetAreaSet(set.GetID());
     if (managed == nullptr) return false;
     *managed = set;
@@ -147,7 +169,7 @@ bool CAreaSetManager::UpdateSet(const CAreaSet& set) {
 
 void CAreaSetManager::Forget() {
     const CSystemLock lock(m_mutex);
-    RemoveAllSets();
+    Clear();
     m_dwLastID = 0;
     m_bLoadComplete = false;
     m_bLoaded = false;

@@ -43,7 +43,7 @@ public:
     bool UpdateSet(const CAreaSet& set);
 
     // Reads all sets once per load cycle. False only from the call whose reading failed; what was read until then
-    // stays.
+    // stays, but no set of which a part was lost (SettingsLost, or no memory).
     bool LoadSettings();
     bool ReloadSettings();
     // Writes all sets in place of those in the node, or one. A failure in the node is traced and still gives true.
@@ -58,15 +58,35 @@ public:
     bool WasLastLoadComplete() const { return m_bLoadComplete; }
     bool WasLastStoreComplete() const { return m_bStoreComplete; }
 
+    // While one lives, the sets belong to whoever made it: a call that comes from within a host's call finds them as
+    // they are, a load does nothing and gives true, and what would change or store them is refused with a trace.
+    class Exclusive {
+    public:
+        explicit Exclusive(CAreaSetManager& manager) : m_manager(manager) { ++m_manager.m_exclusive; }
+        ~Exclusive() { --m_manager.m_exclusive; }
+        Exclusive(const Exclusive&) = delete;
+        Exclusive& operator=(const Exclusive&) = delete;
+
+    private:
+        CAreaSetManager& m_manager;
+    };
+    // Whether the sets are being loaded or stored, or the settings copied.
+    bool IsExclusive() const { return m_exclusive > 0; }
+
     // Holds the lock over several operations.
     [[nodiscard]] CSystemLock Lock() { return CSystemLock(m_mutex); }
 
 private:
     SettingsNodePtr GetRoot() const;
+    bool Load();
     void LoadSets();
     void LoadSet(SettingsNode& root, const std::wstring& key);
+    void TakeSet(std::unique_ptr<CAreaSet> set);
     bool WriteSet(const CAreaSet& set);
     CAreaSet* FindSet(uint32_t dwID, int32_t* pIndex);
+    void TakeOut(int32_t position);
+    void Clear();
+    bool MayChange() const;
 
     uint32_t m_dwLastID = 0;
     std::vector<std::unique_ptr<CAreaSet>> m_arrSets;
@@ -75,6 +95,7 @@ private:
 
     std::unordered_map<uint32_t, int32_t> m_positions;  // first position of each identifier
     NodeSource m_nodeSource;
+    std::atomic<int> m_exclusive = 0;
     std::atomic<bool> m_bLoadComplete = false;
     std::atomic<bool> m_bStoreComplete = false;
 };

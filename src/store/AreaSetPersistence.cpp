@@ -1,6 +1,8 @@
 // How the area sets stand in the settings node: one sub-node per set, named after its identifier.
+#include <memory>
 #include <new>
 #include <string>
+#include <utility>
 
 #include "store/AreaSetManager.h"
 #include "store/SettingsKeys.h"
@@ -20,14 +22,16 @@ constexpr Coordinate kCoordinates[] = {{kKeyBottom, &PageRect::bottom},
                                        {kKeyRight, &PageRect::right},
                                        {kKeyTop, &PageRect::top}};
 
-// An unreadable rectangle is empty as a whole. Without memory nothing was found out about it: it is not taken for empty
-// and stored as such later.
+// An unreadable rectangle is empty as a whole. When it was lost nothing was found out about it: it is not taken for
+// empty and stored as such later.
 PageRect ReadRect(SettingsNode& node, const std::wstring& name) {
     try {
         PageRect rect;
         const auto sub = node.GetSubNode(name);
         for (const auto& [key, member] : kCoordinates) rect.*member = static_cast<int32_t>(sub->GetInt64(key));
         return rect;
+    } catch (const SettingsLost&) {
+        throw;
     } catch (const std::bad_alloc&) {
         throw;
     } catch (...) {
@@ -51,11 +55,23 @@ template <class Read>
 void ReadOptional(Read read) {
     try {
         read();
+    } catch (const SettingsLost&) {
+        throw;
     } catch (const std::bad_alloc&) {
         throw;
     } catch (...) {
         return;
     }
+}
+
+void ReadSet(SettingsNode& node, CAreaSet& set) {
+    ReadOptional([&] { set.SetName(node.GetString(kKeyName)); });
+    ReadOptional([&] { set.SetFlags(static_cast<uint32_t>(node.GetInt64(kKeyFlags))); });
+    set.SetDisplayRect(ReadRect(node, kKeyDisplayRect));
+
+    const auto rects = node.GetSubNode(kKeyRect);
+    const SubNodeNames names = rects->GetSubNodeNames();
+    for (int64_t i = 0; i < names.Count(); ++i) set.AddRect(ReadRect(*rects, names.At(i)));
 }
 
 }  // namespace
@@ -69,8 +85,14 @@ SettingsNodePtr CAreaSetManager::GetRoot() const {
 bool CAreaSetManager::LoadSettings() {
     if (m_bLoaded) return true;
     const CSystemLock lock(m_mutex);
-    if (m_bLoaded) return true;  // another thread was faster
-    RemoveAllSets();
+    if (m_bLoaded || IsExclusive()) return true;  // another thread was faster, or this call comes from within the load
+    return Load();
+}
+
+// Under the lock.
+bool CAreaSetManager::Load() {
+    const Exclusive exclusive(*this);
+    Clear();
     m_bLoadComplete = false;
     try {
         LoadSets();
@@ -97,30 +119,54 @@ void CAreaSetManager::LoadSets() {
     }
 }
 
+// The set is read apart from the others, because calls from within the host's find only those that were read whole. A
+// failure keeps what was read of it, unless the host or the module could not tell what stands there: then a part of the
+// set would mask, or be stored, as if it were all.
 void CAreaSetManager::LoadSet(SettingsNode& root, const std::wstring& key) {
     const auto node = root.GetSubNode(key);
     const uint32_t dwID = ParseSetKey(key);
-    AddSet({}, dwID);
-    CAreaSet* set = GetAreaSet(dwID);
-    if (set == nullptr) throw SettingsError();
-    ReadOptional([&] { set->SetName(node->GetString(kKeyName)); });
-    ReadOptional([&] { set->SetFlags(static_cast<uint32_t>(node->GetInt64(kKeyFlags))); });
-    set->SetDisplayRect(ReadRect(*node, kKeyDisplayRect));
+    int32_t position = -1;
+    const CAreaSet* former = GetAreaSet(dwID, &position);
+    if (dwID > m_dwLastID) m_dwLastID = dwID;
+    auto set = std::make_unique<CAreaSet>(std::wstring(), dwID);
+    try {
+        if (former != nullptr) set->CopyFrom(*former);
+        ReadSet(*node, *set);
+    } catch (const SettingsLost&) {
+        if (position >= 0) TakeOut(position);
+        throw;
+    } catch (const std::bad_alloc&) {
+        if (position >= 0) TakeOut(position);
+        throw;
+    } catch (...) {
+        TakeSet(std::move(set));
+        throw;
+    }
+    TakeSet(std::move(set));
+}
 
-    const auto rects = node->GetSubNode(kKeyRect);
-    const SubNodeNames names = rects->GetSubNodeNames();
-    for (int64_t i = 0; i < names.Count(); ++i) set->AddRect(ReadRect(*rects, names.At(i)));
+// In place of the one with its identifier, or behind all others.
+void CAreaSetManager::TakeSet(std::unique_ptr<CAreaSet> set) {
+    int32_t position = -1;
+    if (FindSet(set->GetID(), &position) != nullptr) {
+        m_arrSets[static_cast<size_t>(position)] = std::move(set);
+    } else {
+        AppendSet(std::move(set));
+    }
 }
 
 bool CAreaSetManager::ReloadSettings() {
+    const CSystemLock lock(m_mutex);
     m_bLoaded = false;
     m_dwLastID = 0;
-    return LoadSettings();
+    return Load();
 }
 
 bool CAreaSetManager::StoreAreaSet(CAreaSet* set) {
     if (set == nullptr) return false;
     const CSystemLock lock(m_mutex);
+    if (!MayChange()) return false;
+    const Exclusive exclusive(*this);
     m_bStoreComplete = WriteSet(*set);
     return true;
 }
@@ -155,6 +201,8 @@ bool CAreaSetManager::WriteSet(const CAreaSet& set) {
 
 bool CAreaSetManager::StoreSettings() {
     const CSystemLock lock(m_mutex);
+    if (!MayChange()) return false;
+    const Exclusive exclusive(*this);
     m_bStoreComplete = false;
     try {
         const auto root = GetRoot();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -55,6 +56,40 @@ private:
     SAFEARRAY* m_array;
 };
 
+// As an exception of the two kinds.
+class LostError : public _com_error, public SettingsLost {
+public:
+    explicit LostError(const _com_error& error) : _com_error(error) {}
+};
+
+bool IsLost(HRESULT status) {
+    constexpr HRESULT kLost[] = {E_OUTOFMEMORY,
+                                 RPC_E_DISCONNECTED,
+                                 RPC_E_SERVER_DIED,
+                                 RPC_E_SERVER_DIED_DNE,
+                                 CO_E_OBJNOTCONNECTED,
+                                 MAKE_HRESULT(1, FACILITY_WIN32, 1722),   // RPC_S_SERVER_UNAVAILABLE
+                                 MAKE_HRESULT(1, FACILITY_WIN32, 1726),   // RPC_S_CALL_FAILED
+                                 MAKE_HRESULT(1, FACILITY_WIN32, 1727)};  // RPC_S_CALL_FAILED_DNE
+    return std::find(std::begin(kLost), std::end(kLost), status) != std::end(kLost);
+}
+
+template <class Body>
+auto Telling(Body body) {
+    try {
+        return body();
+    } catch (const _com_error& error) {
+        if (IsLost(error.Error())) throw LostError(error);
+        throw;
+    }
+}
+
+template <class... Parameters, class... Arguments>
+void CallNode(ISettingsNode* node, HRESULT (STDMETHODCALLTYPE ISettingsNode::*operation)(Parameters...),
+              Arguments&&... arguments) {
+    Telling([&] { CallHost(node, operation, std::forward<Arguments>(arguments)...); });
+}
+
 SubNodeNames ReadNames(SAFEARRAY* array) {
     VARTYPE type = VT_EMPTY;
     if (array == nullptr || SafeArrayGetDim(array) != 1) throw _com_error(E_INVALIDARG);
@@ -81,48 +116,48 @@ SubNodeNames ReadNames(SAFEARRAY* array) {
 
 SubNodeNames ComSettingsNode::GetSubNodeNames() {
     SAFEARRAY* array = nullptr;
-    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::GetSubNodeNames, &array);
+    CallNode(m_node.GetInterfacePtr(), &ISettingsNode::GetSubNodeNames, &array);
     const ArrayPtr owner(array);
-    return ReadNames(array);
+    return Telling([&] { return ReadNames(array); });
 }
 
 SettingsNodePtr ComSettingsNode::GetSubNode(const std::wstring& name) {
     ISettingsNode* node = nullptr;
-    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::GetSubNode, Name(name).Get(), &node);
+    CallNode(m_node.GetInterfacePtr(), &ISettingsNode::GetSubNode, Name(name).Get(), &node);
     return std::make_unique<ComSettingsNode>(ISettingsNodePtr(node, false));
 }
 
 void ComSettingsNode::DeleteSubNode(const std::wstring& name) {
-    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::DeleteSubNode, Name(name).Get());
+    CallNode(m_node.GetInterfacePtr(), &ISettingsNode::DeleteSubNode, Name(name).Get());
 }
 
 std::wstring ComSettingsNode::GetString(const wchar_t* name) {
     Bstr value;
-    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::GetString, Name(name).Get(), value.Out());
+    CallNode(m_node.GetInterfacePtr(), &ISettingsNode::GetString, Name(name).Get(), value.Out());
     return std::wstring(value.View());
 }
 
 int64_t ComSettingsNode::GetInt64(const wchar_t* name) {
     LONGLONG value = 0;
-    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::GetInt64, Name(name).Get(), &value);
+    CallNode(m_node.GetInterfacePtr(), &ISettingsNode::GetInt64, Name(name).Get(), &value);
     return value;
 }
 
 bool ComSettingsNode::GetBool(const wchar_t* name) {
     VARIANT_BOOL value = 0;
-    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::GetBool, Name(name).Get(), &value);
+    CallNode(m_node.GetInterfacePtr(), &ISettingsNode::GetBool, Name(name).Get(), &value);
     return value != 0;
 }
 
 void ComSettingsNode::SetString(const wchar_t* name, const std::wstring& value) {
-    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::SetString, Name(name).Get(), Bstr(value).Get());
+    CallNode(m_node.GetInterfacePtr(), &ISettingsNode::SetString, Name(name).Get(), Bstr(value).Get());
 }
 
 void ComSettingsNode::SetInt64(const wchar_t* name, int64_t value) {
-    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::SetInt64, Name(name).Get(), value);
+    CallNode(m_node.GetInterfacePtr(), &ISettingsNode::SetInt64, Name(name).Get(), value);
 }
 
 void ComSettingsNode::SetBool(const wchar_t* name, bool value) {
-    CallHost(m_node.GetInterfacePtr(), &ISettingsNode::SetBool, Name(name).Get(),
+    CallNode(m_node.GetInterfacePtr(), &ISettingsNode::SetBool, Name(name).Get(),
              static_cast<VARIANT_BOOL>(value ? 1 : 0));
 }

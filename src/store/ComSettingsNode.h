@@ -7,7 +7,8 @@
 _COM_SMARTPTR_TYPEDEF(ISettingsNode, __uuidof(ISettingsNode));
 _COM_SMARTPTR_TYPEDEF(ISettingsTransfer, __uuidof(ISettingsTransfer));
 
-// The host's node; a failing call throws _com_error.
+// The host's node; a failing call throws _com_error, one that says nothing about the value a _com_error that is a
+// SettingsLost too.
 class ComSettingsNode final : public SettingsNode {
 public:
     // A null node throws E_POINTER on first use.

@@ -17,6 +17,10 @@ public:
     const char* what() const noexcept override { return "settings node"; }
 };
 
+// Carried by an exception when nothing was found out about the value: the host has no memory, or the connection to its
+// object is lost. Any other failure says that the value is not there.
+struct SettingsLost {};
+
 // The names of a node's sub-nodes. A list whose lower bound is not 0 has positions that cannot be read.
 class SubNodeNames {
 public:

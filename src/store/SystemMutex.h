@@ -10,8 +10,8 @@
 // Natively the name is ignored and the lock is between threads of the process only.
 class CSystemMutex {
 public:
-    // Opens the mutex by name, or creates it; does not take it. When neither is possible, Lock traces that
-    // and serialises the threads of this process only.
+    // Opens the mutex by name, or creates it; does not take it. When neither is possible, or a wait for it fails, Lock
+    // traces that and serialises the threads of this process only.
     explicit CSystemMutex(const wchar_t* name) noexcept;
     ~CSystemMutex();
     CSystemMutex(const CSystemMutex&) = delete;
@@ -22,7 +22,7 @@ public:
 
 private:
     void* m_handle = nullptr;
-    [[maybe_unused]] void* m_local = nullptr;  // the substitute within the process
+    [[maybe_unused]] void* m_local = nullptr;  // between the process's own threads
     std::atomic<uint64_t> m_owner = 0;         // a thread, 0 for none
     int m_depth = 0;                           // of the owner
     [[maybe_unused]] bool m_held = false;      // the wait succeeded, so there is something to release

@@ -13,6 +13,15 @@ SRWLOCK* Local(void*& place) {
     return reinterpret_cast<SRWLOCK*>(&place);
 }
 
+DWORD Wait(HANDLE mutex) {
+    constexpr DWORD kQuietWait = 3000;
+    const DWORD result = WaitForSingleObject(mutex, kQuietWait);
+    if (result != WAIT_TIMEOUT) return result;
+    trace::TraceText(trace::kDiagnostic, kSource, __LINE__,
+                     L"CAreaSetManager: the lock is held by another program or thread; waiting for it.");
+    return WaitForSingleObject(mutex, INFINITE);
+}
+
 }  // namespace
 
 CSystemMutex::CSystemMutex(const wchar_t* name) noexcept : m_handle(CreateMutexW(nullptr, FALSE, name)) {
@@ -30,8 +39,10 @@ void CSystemMutex::Lock() noexcept {
         ++m_depth;
         return;
     }
-    const DWORD result = m_handle != nullptr ? WaitForSingleObject(m_handle, INFINITE) : WAIT_FAILED;
-    if (m_handle == nullptr) AcquireSRWLockExclusive(Local(m_local));
+    // Nothing is held while a long wait is traced: the host's logger may call exports.
+    const DWORD result = m_handle != nullptr ? Wait(m_handle) : WAIT_FAILED;
+    // The process's own threads are serialised whatever became of the wait.
+    AcquireSRWLockExclusive(Local(m_local));
     m_held = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
     m_owner.store(self, std::memory_order_relaxed);
     m_depth = 1;
@@ -48,5 +59,5 @@ void CSystemMutex::Unlock() noexcept {
     const bool held = m_held;
     m_owner.store(0, std::memory_order_relaxed);
     if (held) ReleaseMutex(m_handle);
-    if (m_handle == nullptr) ReleaseSRWLockExclusive(Local(m_local));
+    ReleaseSRWLockExclusive(Local(m_local));
 }

@@ -1,11 +1,13 @@
 #include "win32/Dialog.h"
 
+#include <commctrl.h>
 #include <olectl.h>
 
 #include <algorithm>
 #include <utility>
 
 #include "host/Controls.h"
+#include "resource.h"
 #include "win32/Failure.h"
 #include "win32/Resources.h"
 
@@ -33,6 +35,18 @@ private:
 
 bool IsReflected(UINT message) {
     return message == WM_DRAWITEM || message == WM_MEASUREITEM || message == WM_DELETEITEM || message == WM_COMPAREITEM;
+}
+
+// Messages that come once for each thing that the user does; a selection comes with every row that it passes.
+bool IsOfUser(UINT message, LPARAM lParam) {
+    if (message == WM_NOTIFY) return reinterpret_cast<const NMHDR*>(lParam)->code != LVN_ITEMCHANGED;
+    return message == WM_COMMAND;
+}
+
+// What the user gives as a command. What a command itself ends, as the editing of a label, goes on.
+bool IsCommand(UINT message, UINT id, UINT code) {
+    if (message == WM_COMMAND) return id == IDOK || id == IDCANCEL || code <= 1;
+    return message == WM_NOTIFY && (code == LVN_KEYDOWN || code == NM_DBLCLK);
 }
 
 }  // namespace
@@ -126,7 +140,7 @@ INT_PTR CDialog::Dispatch(UINT message, WPARAM wParam, LPARAM lParam) noexcept {
     try {
         handled = Route(message, wParam, lParam, result, handler);
     } catch (...) {
-        HandlerFailed(std::current_exception(), handler, message == WM_COMMAND && HIWORD(wParam) <= 1);
+        HandlerFailed(std::current_exception(), handler, !IsOfUser(message, lParam));
     }
     if (handled) SetWindowLongPtrW(GetSafeHwnd(), DWLP_MSGRESULT, result);
     return handled;
@@ -143,6 +157,7 @@ bool CDialog::Route(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result,
         id = static_cast<UINT>(header->idFrom);
         code = header->code;
     }
+    if ((m_ending || IsBusy()) && IsCommand(message, id, code)) return true;
     for (const win32::MessageEntry& entry : GetMessageMap()) {
         if (entry.message != message || id < entry.first || id > entry.last || entry.code != code) continue;
         handler = &entry;
@@ -151,6 +166,7 @@ bool CDialog::Route(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result,
     }
     if (message == WM_COMMAND && code == BN_CLICKED && (id == IDOK || id == IDCANCEL)) {
         handler = this;
+        const ScopedFlag ending(m_ending);
         id == IDOK ? OnOK() : OnCancel();
         return true;
     }
@@ -169,24 +185,26 @@ void CDialog::HandleEvent(UINT control, DISPID event, const win32::EventArgument
         try {
             entry.handle(*this, arguments);
         } catch (...) {
-            HandlerFailed(std::current_exception(), &entry, false);
+            HandlerFailed(std::current_exception(), &entry, entry.followsPointer);
             throw;
         }
         return;
     }
 }
 
-void CDialog::HandlerFailed(const std::exception_ptr& failure, const void* handler, bool command) noexcept {
+void CDialog::HandlerFailed(const std::exception_ptr& failure, const void* handler, bool once) noexcept {
     if (m_state == State::kOpening) {
         if (m_failure == nullptr) m_failure = failure;
         return;
     }
+    const UINT outcome = std::exchange(m_takenBack, 0U);
     try {
-        const win32::FailureReport report = win32::DescribeFailure(failure);
+        const win32::FailureReport report = win32::DescribeFailure(failure, outcome != 0 ? outcome : IDS_KEPT);
         const Reported cause = {handler, report.status};
-        const bool known = std::find(m_reported.begin(), m_reported.end(), cause) != m_reported.end();
-        if (known && !command) return;
-        if (!known) m_reported.push_back(cause);
+        if (once) {
+            if (std::find(m_reported.begin(), m_reported.end(), cause) != m_reported.end()) return;
+            m_reported.push_back(cause);
+        }
         win32::TraceFailure(failure, GetTraceSource(), __LINE__, GetName());
         // A closing window has nothing to hang a box on, and a box shows one failure at a time.
         if (m_state == State::kClosing || m_reporting) return;

@@ -16,7 +16,10 @@
 //
 // No exception passes through the system's message dispatch. One that leaves the initialisation ends the dialog and
 // comes out of DoModal. One that leaves a later handler is traced and told in a message box, and the dialog stays open:
-// for a command of the user each time, for anything else (a pointer that moves) once for each handler and status.
+// each time, but for what follows the pointer or the selection, or paints, once for each handler and status.
+//
+// A host may handle messages within a call of its own. While OK or Cancel runs, or the dialog is busy, the user's
+// commands are dropped, OK and Cancel among them.
 class CDialog : public CWnd {
 public:
     explicit CDialog(UINT templateId, CWnd* parent = nullptr) : m_templateId(templateId), m_parent(parent) {}
@@ -40,6 +43,10 @@ protected:
     virtual bool OnInitDialog();
     virtual void OnOK();
     virtual void OnCancel();
+    // For a handler that fails: the string that tells what of the user's it has taken back.
+    void TellTakenBack(UINT text) { m_takenBack = text; }
+    // Whether something runs that no command must come into.
+    virtual bool IsBusy() const { return false; }
     // What stands in the control was refused: the place to make it reachable before it gets the focus.
     virtual void OnDataRefused(UINT id);
 
@@ -57,7 +64,7 @@ private:
     INT_PTR Dispatch(UINT message, WPARAM wParam, LPARAM lParam) noexcept;
     bool Route(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result, const void*& handler);
     void HandleEvent(UINT control, DISPID event, const win32::EventArguments& arguments);
-    void HandlerFailed(const std::exception_ptr& failure, const void* handler, bool command) noexcept;
+    void HandlerFailed(const std::exception_ptr& failure, const void* handler, bool once) noexcept;
 
     struct Reported {
         const void* handler;
@@ -72,6 +79,8 @@ private:
     State m_state = State::kOpening;
     bool m_controlMissing = false;
     bool m_reporting = false;
+    UINT m_takenBack = 0;
+    bool m_ending = false;         // OK or Cancel runs
     std::exception_ptr m_failure;  // of the initialisation
     std::vector<Reported> m_reported;
     std::vector<std::unique_ptr<win32::EventConnection>> m_connections;

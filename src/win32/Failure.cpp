@@ -45,17 +45,18 @@ void TraceFailure(const std::exception_ptr& failure, const char* source, int lin
     }
 }
 
-FailureReport DescribeFailure(const std::exception_ptr& failure) {
+FailureReport DescribeFailure(const std::exception_ptr& failure, UINT outcome) {
     const HRESULT status = StatusOf(failure);
+    const std::wstring kept = LoadText(outcome);
     switch (status) {
         case E_OUTOFMEMORY:
-            return {status, LoadText(IDS_FAILED_MEMORY)};
+            return {status, FormatText(IDS_FAILED_MEMORY, {kept})};
         case E_UNEXPECTED:
-            return {status, LoadText(IDS_FAILED_UNEXPECTED)};
+            return {status, FormatText(IDS_FAILED_UNEXPECTED, {kept})};
         case REGDB_E_CLASSNOTREG:
-            return {status, FormatText(IDS_FAILED_NOT_REGISTERED, {Hexadecimal(status)})};
+            return {status, FormatText(IDS_FAILED_NOT_REGISTERED, {Hexadecimal(status), kept})};
         default:
-            return {status, FormatText(IDS_FAILED_HOST_OBJECT, {Hexadecimal(status)})};
+            return {status, FormatText(IDS_FAILED_HOST_OBJECT, {Hexadecimal(status), kept})};
     }
 }
 

@@ -18,6 +18,7 @@ struct FailureReport {
 
 // Traces the failure at severity 2 as "<name>: ...", in the words of its kind.
 void TraceFailure(const std::exception_ptr& failure, const char* source, int line, const wchar_t* name) noexcept;
-FailureReport DescribeFailure(const std::exception_ptr& failure);
+// `outcome` is the string that tells what became of what the user entered.
+FailureReport DescribeFailure(const std::exception_ptr& failure, UINT outcome);
 
 }  // namespace win32

@@ -30,6 +30,7 @@ struct EventEntry {
     UINT control;
     DISPID event;
     void (*handle)(CDialog& dialog, const EventArguments& arguments);
+    bool followsPointer;
 };
 
 template <auto Method>
@@ -114,7 +115,13 @@ constexpr MessageEntry OnMessage(UINT message) {
 // An event of an ActiveX control.
 template <auto Method>
 constexpr EventEntry OnEvent(UINT control, DISPID event) {
-    return {control, event, &EventHandlerOf<Method>::Call};
+    return {control, event, &EventHandlerOf<Method>::Call, false};
+}
+
+// One that comes with each move of the pointer.
+template <auto Method>
+constexpr EventEntry OnPointerEvent(UINT control, DISPID event) {
+    return {control, event, &EventHandlerOf<Method>::Call, true};
 }
 
 }  // namespace win32

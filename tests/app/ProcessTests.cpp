@@ -277,6 +277,82 @@ TEST_F(Zonhost, WhatCannotBeDoneIsToldAndLeavesTheSettingsAlone) {
     EXPECT_FALSE(fs::exists(m_folder / "missing.json"));
 }
 
+// Each part of a set missing, of another kind, out of range, doubled or nested wrongly, in sets of both modes.
+TEST_F(Zonhost, SetsThatWereNotReadWholeAreNeverMaskedWith) {
+    const auto set = [](const char* name, const std::string& flags) {
+        return std::string("{\"Name\":\"") + name + "\",\"Flags\":" + flags +
+               ",\"DisplayRect\":{\"Position:bottom\":9,\"Position:left\":0,\"Position:right\":9,\"Position:top\":0},"
+               "\"Rect\":{\"0\":{\"Position:bottom\":60,\"Position:left\":20,\"Position:right\":120,\"Position:top\":"
+               "10},"
+               "\"1\":{\"Position:bottom\":61,\"Position:left\":20,\"Position:right\":120,\"Position:top\":11}}}";
+    };
+    const struct {
+        const char* good;
+        const char* bad;
+        const char* reason;
+    } cases[] = {
+        {"\"Name\":\"Set\",", "", "Name is missing"},
+        {"\"Name\":\"Set\"", "\"Name\":7", "Name is no text"},
+        {"\"Flags\":", "\"Flag\":", "Flags is missing"},
+        {"\"Flags\":", "\"Flags\":{},\"x\":", "Flags is no whole number"},
+        {"\"Flags\":", "\"Flags\":4294967296,\"x\":", "Flags is no whole number"},
+        {"\"Rect\":{", "\"rect\":{", "Rect is missing"},
+        {"\"Rect\":{", "\"Rect\":\"x\",\"x\":{", "Rect is no group"},
+        {"\"Rect\":{", "\"Rect\":{\"Rect\":{", "area \"Rect\": Position:bottom is missing"},
+        {"\"0\":{", "\"0\":null,\"x\":{", "area \"0\" is no group"},
+        {"\"1\":{", "\"2\":{", "an area is missing"},
+        {"\"Position:left\":20", "\"Position:left\":\"20\"", "Position:left is no whole number"},
+        {"\"Position:right\":120", "\"Position:right\":1.5", "Position:right is no whole number"},
+        {"\"Position:top\":11", "\"Position:top\":2147483648", "area \"1\": Position:top is no whole number"},
+        {"\"Position:top\":10", "\"Top\":10", "area \"0\": Position:top is missing"},
+        {"\"0x00000002\":{", "\"0x00000002\":7,\"y\":{", "0x00000002: is no group"},
+        {"\"0x00000002\":{", "\"2\":{},\"0x00000002\":{", "has the identifier of"},
+    };
+    for (const char* flags : {"0", "268435456"}) {
+        const std::string good = "{\"0x00000002\":" + set("Set", flags) + ",\"0x00000003\":" + set("Last", flags) + "}";
+        for (const auto& c : cases) {
+            SCOPED_TRACE(std::string(flags) + c.bad);
+            std::string bad = good;
+            bad.replace(bad.find(c.good), std::string(c.good).size(), c.bad);
+            if (std::string(c.bad).ends_with("{\"Rect\":{")) bad.insert(bad.find(",\"0x00000003\""), "}");
+            WriteAll(m_folder / "settings.json", bad);
+            EXPECT_THAT(Run(L"mask --set Set --out out in").code, testing::AnyOf(3u, 4u));
+            EXPECT_EQ(FilesIn("out"), 0u);
+            const Result list = Run(L"sets list");
+            EXPECT_EQ(list.code, 3u);
+            EXPECT_THAT(list.err, testing::AllOf(HasSubstr("0x00000002"), HasSubstr(c.reason)));
+            EXPECT_THAT(list.out, HasSubstr("0x00000003  Last      2"));
+        }
+        // Behind the damaged set.
+        const std::wstring out = flags[0] == '0' ? L"keep" : L"drop";
+        EXPECT_EQ(Run(L"mask --set Last --out " + out + L" in\\page0.bmp").code, 0u);
+        EXPECT_EQ(Page(m_folder / out / "page0.png").Black(20, 10), IsBlack(0, 20, 10) && flags[0] == '0');
+    }
+    EXPECT_EQ(Run(L"manage").code, 3u) << "opened over what its OK would lose";
+    fs::rename(m_folder / "settings.json", m_folder / "bad.json");
+    EXPECT_THAT(Run(L"sets import bad.json").err, HasSubstr("area set 2: Name is missing"));
+    EXPECT_EQ(Run(L"sets import bad.json --set Last").code, 0u);
+}
+
+TEST_F(Zonhost, NamesThatAreTooLongOrFullOfCommandsAreShownAndDoNoHarm) {
+    const std::string name = "\\u001b[31m\\u009b\\u202e" + std::string(70, 'n');
+    WriteAll(m_folder / "settings.json", R"({"0x00000002":{"Name":")" + name +
+                                             R"(","Flags":0,"Rect":{"0":{"Position:bottom":9,"Position:left":0,)"
+                                             R"("Position:right":9,"Position:top":0}}}})");
+    for (const wchar_t* command : {L"sets list", L"sets export", L"sets show 2"}) {
+        const Result result = Run(command);
+        EXPECT_EQ(result.code, 0u) << result.err;
+        EXPECT_THAT(result.out, HasSubstr(name));
+        EXPECT_THAT(result.err, Not(HasSubstr("\033")));
+    }
+    WriteAll(m_folder / "settings.json", R"({"2":{"Name":")" + std::string(64, 'n') +
+                                             R"(","Flags":0,"Rect":{"0":{"Position:bottom":9,"Position:left":0,)"
+                                             R"("Position:right":9,"Position:top":0}}}})");
+    const Result result = Run(L"mask --set " + std::wstring(64, L'n') + L" --out out in");
+    EXPECT_EQ(result.code, 4u);
+    EXPECT_THAT(result.err, HasSubstr("more than 63 characters"));
+}
+
 TEST_F(Zonhost, ReplacedSetsKeepTheirIdentifiersAndTheFileWhatItHeld) {
     WriteAll(m_folder / "settings.json",
              R"({"0x0000002a":{"Name":"Keep","Own":7,"Rect":{"0":{"Position:left":1},"1":{}}},"View":{"Zoom":1.5}})");

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,23 @@ TEST(CHost, EnumeratesReadsAndMasks) {
     EXPECT_NE(text.find("masked: "), std::string::npos) << text;
     EXPECT_NE(text.find("bytes, BM"), std::string::npos) << text;
     std::remove(page.c_str());
+}
+
+// A host that loads the module for each use: no slot, handle or block of any cycle stays.
+TEST(CycleHost, NothingStaysOfALoad) {
+    const std::string cycles = std::getenv("ZONWICK_TEST_LONG") != nullptr ? "1000" : "50";
+    for (const char* host : {"cycle_host"
+#ifdef HAVE_MSVC_HOST
+                             ,
+                             "cycle_host_msvc"
+#endif
+         }) {
+        for (const char* way : {"plain", "sta", "mta", "threads"}) {
+            int exitCode = -1;
+            const std::string text = RunProgram(ProgramFolder() + host + ".exe " + way + " " + cycles, exitCode);
+            EXPECT_EQ(exitCode, 0) << host << " " << way << ": " << text;
+        }
+    }
 }
 
 }  // namespace

@@ -122,6 +122,7 @@ TEST_F(ConfigExports, AnExceptionWhileOpeningIsReportedWithTheHint) {
     const HastyUser user;
     m_host->calls.clear();
     m_units.reset();
+    WorkingRoot().integers[L"LastScale"] = 123;
     std::vector<SAIndexField> fields = {Field(L"Total", {1, 2, 3, 4})};
     EXPECT_FALSE(OpenPage(fields));
     EXPECT_EQ(m_host->calls, "BQE");
@@ -134,6 +135,21 @@ TEST_F(ConfigExports, AnExceptionWhileOpeningIsReportedWithTheHint) {
         EXPECT_EQ(TakeHostBoxes().size(), 1u);
     }
     EXPECT_EQ(StoredRects(5), kInvoice);
+    EXPECT_EQ(WorkingRoot().integers[L"LastScale"], 123) << "no view was shown that could be remembered";
+}
+
+// A host without documents shows a blank page, which is no error, and may hand over its settings in its own calls.
+TEST_F(ConfigExports, WithoutAStackABlankPage) {
+    std::vector<SAIndexField> fields = {Field(L"Total", {1, 2, 3, 4})};
+    m_tree->booleans[L"RadioPageSource"] = true;
+    Init();
+    m_host->quire = nullptr;
+    m_host->instead = [this]() -> std::optional<HRESULT> {
+        Init();
+        return std::nullopt;
+    };
+    EXPECT_TRUE(PlayPage(fields, {PressCancel}));
+    EXPECT_EQ(TakeTraceTexts(), L"");
 }
 
 TEST_F(ConfigExports, EveryBeginThatSucceededHasItsEnd) {

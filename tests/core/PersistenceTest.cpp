@@ -192,23 +192,65 @@ TEST_F(PersistenceTest, LoadsOncePerCycleAndReportsAFailureOnce) {
     EXPECT_EQ(m_manager.GetCount(), 1);
 }
 
-// A set that was read by half for want of memory must not pass for what is stored: the next commit would store the
-// half.
-TEST_F(PersistenceTest, WithoutMemoryNoSetIsTakenForRead) {
-    Add(L"a", 1, {{1, 2, 3, 4}, {5, 6, 7, 8}})->SetDisplayRect({0, 0, 10, 10});
+// A set that was read by half for want of memory or of the connection must not pass for what is stored: a mask would
+// lack areas, and the next commit would store the half. The last node adds to the first set.
+TEST_F(PersistenceTest, SetsThatWereLostOnTheWayAreTakenOut) {
+    for (const uint32_t id : {1u, 2u}) Add(L"a", id, {{1, 2, 3, 4}, {5, 6, 7, 8}})->SetDisplayRect({0, 0, 10, 10});
     m_manager.StoreSettings();
-    for (bool reached = true; reached;) {
-        const int n = g_control.failAt + 1;
-        g_control = {};
-        g_control.failAt = n;
-        g_control.noMemory = true;
-        CAreaSetManager other(Root, L"ZonwickTestMutex");
-        const bool loaded = other.LoadSettings();
-        reached = g_control.calls >= n;
-        EXPECT_EQ(loaded, !reached) << n;
-        EXPECT_EQ(other.WasLastLoadComplete(), !reached) << n;
+    *g_root->Child(L"1") = *g_root->Child(L"0x00000002");
+    for (const bool lost : {false, true}) {
+        g_control.failAt = 0;
+        for (bool reached = true; reached;) {
+            const int n = g_control.failAt + 1;
+            SCOPED_TRACE(n);
+            g_control = {};
+            g_control.failAt = n;
+            g_control.noMemory = !lost;
+            g_control.lost = lost;
+            CAreaSetManager other(Root, L"ZonwickTestMutex");
+            const bool loaded = other.LoadSettings();
+            reached = g_control.calls >= n;
+            EXPECT_EQ(loaded, !reached);
+            EXPECT_EQ(other.WasLastLoadComplete(), !reached);
+            for (int32_t i = 0; i < other.GetCount(); ++i) {
+                const CAreaSet* set = other.GetAreaSet(i);
+                ASSERT_EQ(set->GetRectCount(), loaded && i == 0 ? 4 : 2);
+                EXPECT_EQ(set->GetRect(1)->GetRectangle().bottom, 8);
+                EXPECT_EQ(set->GetDisplayRect().right, 10);
+            }
+        }
+        EXPECT_GT(g_control.failAt, 10);
     }
-    EXPECT_GT(g_control.failAt, 10);
+}
+
+// A host that calls in the middle of its own calls finds whole sets, and changes nothing that is being read or written.
+TEST_F(PersistenceTest, CallsFromWithinACallOfTheHost) {
+    Add(L"a", 1, {{1, 2, 3, 4}, {5, 6, 7, 8}});
+    Add(L"b", 2, {{1, 2, 3, 4}, {5, 6, 7, 8}});
+    m_manager.StoreSettings();
+    const std::wstring full = g_root->Dump();
+    const CAreaSet detached(L"other", 1);
+    int nested = 0;
+    g_control.during = [&] {
+        ++nested;
+        EXPECT_TRUE(m_manager.LoadSettings());
+        for (int32_t i = 0; i < m_manager.GetCount(); ++i) EXPECT_EQ(m_manager.GetAreaSet(i)->GetRectCount(), 2);
+        EXPECT_FALSE(m_manager.UpdateSet(detached));
+        EXPECT_FALSE(m_manager.RemoveSet(1));
+        EXPECT_FALSE(m_manager.StoreSettings());
+        EXPECT_FALSE(m_manager.StoreAreaSet(2u));
+        EXPECT_EQ(m_manager.AddSet(L"c", 0), -1);
+        EXPECT_EQ(m_manager.CopySet(1), 0u);
+        m_manager.RemoveAllSets();
+        m_manager.SetAreaSetName(1, L"other");
+    };
+    EXPECT_TRUE(m_manager.ReloadSettings());
+    EXPECT_TRUE(m_manager.WasLastLoadComplete());
+    EXPECT_TRUE(m_manager.StoreSettings());
+    EXPECT_TRUE(m_manager.WasLastStoreComplete());
+    EXPECT_EQ(m_manager.GetCount(), 2);
+    EXPECT_EQ(g_root->Dump(), full);
+    EXPECT_GT(nested, 40);
 }
 
 // Every call fails once, and once from then on: nothing is thrown, results are as documented, and whenever the result

@@ -124,6 +124,33 @@ TEST_F(ExportFaults, TheLockTellsWhatBecameOfIt) {
     }
 }
 
+// Another thread asks while this one reads the sets: it waits, although the lock between processes cannot be had.
+TEST_F(ExportFaults, WithoutTheLockThreadsOfTheProcessStillWait) {
+    constexpr int kInTheLoad = 20;
+    static HANDLE asking;
+    static DWORD early;
+    asking = nullptr;
+    Host().during = [](int call) {
+        if (call != kInTheLoad) return;
+        asking = CreateThread(
+            nullptr, 0, [](void*) { return Export<decltype(::SAMapID2Index)>("SAMapID2Index")(2); }, nullptr, 0,
+            nullptr);
+        early = WaitForSingleObject(asking, 300);
+    };
+    FaultHooks::Arm(Fault::kLockFailed, 1, true);
+    Init();
+    Host().during = nullptr;
+    EXPECT_GT(FaultHooks::Disarm().injected, 0);
+    ASSERT_NE(asking, nullptr);
+    EXPECT_EQ(early, static_cast<DWORD>(WAIT_TIMEOUT));
+    EXPECT_EQ(WaitForSingleObject(asking, 60000), WAIT_OBJECT_0);
+    DWORD index = 9;
+    GetExitCodeThread(asking, &index);
+    EXPECT_EQ(index, 1u);
+    CloseHandle(asking);
+    TakeTraces();
+}
+
 // What the loop rests on: a block that stays, a string that stays and a lock that is held are seen.
 TEST_F(ExportFaults, TheLoopSeesWhatIsLeftBehind) {
     const Holdings before = FaultHooks::Measure();

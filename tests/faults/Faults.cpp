@@ -91,7 +91,7 @@ HRESULT WINAPI DestroyArray(SAFEARRAY* array) {
 
 DWORD WINAPI Wait(HANDLE handle, DWORD milliseconds) {
     MutantInfo info = {};
-    if (milliseconds != INFINITE || !QueryMutant(handle, info)) return WaitForSingleObject(handle, milliseconds);
+    if (milliseconds == 0 || !QueryMutant(handle, info)) return WaitForSingleObject(handle, milliseconds);
     if (Meet(Fault::kLockFailed)) return WAIT_FAILED;
     const DWORD result = WaitForSingleObject(handle, milliseconds);
     return Meet(Fault::kLockAbandoned) && result == WAIT_OBJECT_0 ? WAIT_ABANDONED : result;

@@ -230,4 +230,40 @@ TEST_F(QueryExports, SurviveAFailureOfEveryHostCall) {
     }
 }
 
+// Where the host has no memory or its object is gone, nothing was found out: a set is whole or not there.
+TEST_F(QueryExports, SetsWhoseReadingWasCutOffAreNotServed) {
+    constexpr const wchar_t* kWhole = L"Invoice 1 1,2,3,4 20,10,40,30";
+    const struct {
+        HRESULT status;
+        bool lost;
+    } rows[] = {{E_OUTOFMEMORY, true},
+                {RPC_E_DISCONNECTED, true},
+                {RPC_E_SERVER_DIED, true},
+                {RPC_E_SERVER_DIED_DNE, true},
+                {CO_E_OBJNOTCONNECTED, true},
+                {HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE), true},
+                {HRESULT_FROM_WIN32(RPC_S_CALL_FAILED), true},
+                {HRESULT_FROM_WIN32(RPC_S_CALL_FAILED_DNE), true},
+                {RPC_E_CALL_REJECTED, false}};
+    Init();
+    for (const auto& [status, lost] : rows) {
+        int partly = 0, missing = 0;
+        for (int n = 10; n < 35; ++n) {
+            SCOPED_TRACE(testing::Message() << std::hex << status << std::dec << " at call " << n);
+            Host().Reset();
+            Host().failAt = n;
+            Host().failStatus = status;
+            Init();
+            Host().Reset();
+            const std::wstring invoice = DescribeInvoice(*m_module);
+            partly += invoice != kWhole && invoice != L"none";
+            missing += invoice == L"none";
+        }
+        EXPECT_EQ(partly == 0, lost) << std::hex << status;
+        EXPECT_EQ(missing > 10, lost) << std::hex << status;
+    }
+    Host().failStatus = E_FAIL;
+    m_module->TakeTexts();
+}
+
 }  // namespace

@@ -1,6 +1,7 @@
 #include "processes/CountedSettings.h"
 
 #include <stdexcept>
+#include <utility>
 
 #include "refhost/com/ComObject.h"
 #include "refhost/settings/HostSettings.h"
@@ -15,6 +16,10 @@ decltype(&::DllGetClassObject) g_classObject;
 bool Count() {
     HostCalls& calls = Calls();
     if (++calls.count == calls.endAt) TerminateProcess(GetCurrentProcess(), kEndedAtCall);
+    if (const auto during = std::exchange(calls.during, nullptr)) {
+        during();
+        calls.during = during;
+    }
     return calls.count == calls.failAt;
 }
 

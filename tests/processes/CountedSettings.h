@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <functional>
+
 #include "host/SettingsStore.h"
 #include "refhost/com/ClassRegistration.h"
 #include "support/FakeObject.h"
@@ -18,8 +20,9 @@ constexpr UINT kFinished = 100;  // and the number of calls
 // Shared by all objects of the process.
 struct HostCalls {
     int count = 0;
-    int endAt = 0;   // the process ends in this call, before it is carried out; 0 is never
-    int failAt = 0;  // this call fails
+    int endAt = 0;                           // the process ends in this call, before it is carried out; 0 is never
+    int failAt = 0;                          // this call fails
+    std::function<void()> during = nullptr;  // what the host does in each call, but not in calls that come from it
 };
 HostCalls& Calls();
 

@@ -132,9 +132,15 @@ TEST_F(CommitTest, RefusesToOverwriteWhatOthersStored) {
     EXPECT_EQ(1, Number(root, L"n"));
     group->SetInt64(_bstr_t(L"x"), 8);
     EXPECT_EQ(8, Number(Child(root, L"group"), L"x"));
-    // Again, and once more when the file is gone.
+    // Again: in place of the same file, but never over what somebody changed in it; and once more when the file is
+    // gone.
     const auto first = RefusedFile();
     EXPECT_EQ(kSettingsChanged, HostSettingsCommit(root));
+    EXPECT_EQ(first, RefusedFile());
+    EXPECT_NE(kNew, ReadBytes(first));
+    WriteBytes(first, "mine");
+    EXPECT_EQ(kSettingsChanged, HostSettingsCommit(root)) << "the same tree";
+    EXPECT_EQ("mine", ReadBytes(first));
     EXPECT_NE(first, RefusedFile());
     std::filesystem::remove(m_file);
     EXPECT_EQ(kSettingsChanged, CommitOver(root, NewNode(2)));
@@ -228,6 +234,22 @@ TEST_F(CommitTest, TellsWhatIsInItsWay) {
         std::filesystem::remove(obstacle);
         EXPECT_EQ(S_OK, CommitOver(root, NewNode(2)));
         std::filesystem::remove(m_file.wstring() + L".bak");
+    }
+    // Files of the user's own, and a second name of one: all stay, and so does the second name of the settings.
+    const std::filesystem::path own = m_folder / L"own.txt";
+    for (const wchar_t* ending : {L".lock", L".commit", L".bak.commit", L".second"}) {
+        root = OpenOld();
+        const std::filesystem::path obstacle = m_file.wstring() + ending;
+        const bool second = obstacle.extension() == L".second";
+        WriteBytes(own, "mine");
+        ASSERT_TRUE(CreateHardLinkW(obstacle.c_str(), second ? m_file.c_str() : own.c_str(), nullptr));
+        EXPECT_TRUE(FAILED(CommitOver(root, NewNode(2)))) << obstacle;
+        EXPECT_NE(std::wstring::npos, LastMessage().find((second ? m_file : obstacle).wstring())) << LastMessage();
+        EXPECT_EQ(kOld, ReadBytes(m_file));
+        EXPECT_EQ(second ? kOld : "mine", ReadBytes(obstacle));
+        EXPECT_TRUE(std::filesystem::remove(obstacle));
+        EXPECT_EQ(S_OK, CommitOver(root, NewNode(2)));
+        EXPECT_EQ("mine", ReadBytes(own));
     }
     root = OpenOld();
     SetFileAttributesW(m_file.c_str(), FILE_ATTRIBUTE_READONLY);

@@ -10,9 +10,11 @@ struct HostControl {
     int calls = 0;
     int failAt = 0;  // 1 is the next call; 0 never
     bool keepFailing = false;
-    bool giveNull = false;  // the failing call succeeds but hands out null where it can
-    bool copyHalf = false;  // a failing CopyNode has copied the first half
-    bool held = false;      // calls are neither counted nor failed
+    bool giveNull = false;               // the failing call succeeds but hands out null where it can
+    bool copyHalf = false;               // a failing CopyNode has copied the first half
+    bool held = false;                   // calls are neither counted nor failed
+    HRESULT failStatus = E_FAIL;         // of a settings node's failing call
+    void (*during)(int call) = nullptr;  // what the host does in each call
     int liveObjects = 0;
     HRESULT createSettingsNode = S_OK;  // results of the class factories
     HRESULT createTransfer = S_OK;
@@ -26,6 +28,7 @@ struct HostControl {
     bool Fails() {
         if (held) return false;
         ++calls;
+        if (during != nullptr) during(calls);
         return failAt != 0 && (calls == failAt || (keepFailing && calls > failAt));
     }
 };

@@ -58,7 +58,7 @@ public:
 
     HRESULT STDMETHODCALLTYPE GetSubNodeNames(SAFEARRAY** names) override {
         *names = nullptr;
-        if (Host().Fails()) return Host().giveNull ? S_OK : E_FAIL;
+        if (Host().Fails()) return Host().giveNull ? S_OK : Host().failStatus;
         *names = SafeArrayCreateVector(VT_BSTR, 0, static_cast<ULONG>(m_tree->children.size()));
         LONG i = 0;
         for (const auto& child : m_tree->children) {
@@ -71,18 +71,18 @@ public:
     }
     HRESULT STDMETHODCALLTYPE GetSubNode(BSTR name, ISettingsNode** node) override {
         *node = nullptr;
-        if (Host().Fails()) return Host().giveNull ? S_OK : E_FAIL;
+        if (Host().Fails()) return Host().giveNull ? S_OK : Host().failStatus;
         *node = MakeFakeNode(m_tree->Share(Text(name)));
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE DeleteSubNode(BSTR name) override {
-        if (Host().Fails()) return E_FAIL;
+        if (Host().Fails()) return Host().failStatus;
         std::erase_if(m_tree->children, [&](const auto& child) { return child.first == Text(name); });
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE GetString(BSTR name, BSTR* value) override {
         *value = nullptr;
-        if (Host().Fails()) return Host().giveNull ? S_OK : E_FAIL;
+        if (Host().Fails()) return Host().giveNull ? S_OK : Host().failStatus;
         const auto found = m_tree->strings.find(Text(name));
         if (found == m_tree->strings.end()) return E_INVALIDARG;
         *value = SysAllocStringLen(found->second.data(), static_cast<UINT>(found->second.size()));
@@ -117,7 +117,7 @@ public:
 private:
     template <class Values, class Value>
     static HRESULT Get(const Values& values, BSTR name, Value* value) {
-        if (Host().Fails()) return E_FAIL;
+        if (Host().Fails()) return Host().failStatus;
         const auto found = values.find(Text(name));
         if (found == values.end()) return E_INVALIDARG;
         *value = static_cast<Value>(found->second);
@@ -125,7 +125,7 @@ private:
     }
     template <class Values, class Value>
     static HRESULT Set(Values& values, BSTR name, Value value) {
-        if (Host().Fails()) return E_FAIL;
+        if (Host().Fails()) return Host().failStatus;
         values[Text(name)] = std::move(value);
         return S_OK;
     }

@@ -1,6 +1,7 @@
 #pragma once
 // A settings node in memory for the platform-neutral part, which can fail at its n-th call and lists what was called.
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <new>
@@ -18,14 +19,24 @@ struct NodeControl {
     int failAt = 0;  // 1 is the next call; 0 never
     int calls = 0;
     bool keepFailing = false;
-    bool noMemory = false;  // the failure is one of memory
+    bool noMemory = false;         // the failure is one of memory
+    bool lost = false;             // or tells nothing about the value
+    std::function<void()> during;  // called in each call that does not come from it
     std::vector<std::wstring> log;
 
     void Count(std::wstring call) {
         ++calls;
         log.push_back(std::move(call));
+        if (const auto nested = std::exchange(during, nullptr)) {
+            nested();
+            during = nested;
+        }
         if (failAt == 0 || (calls != failAt && !(keepFailing && calls > failAt))) return;
+        struct Lost : std::runtime_error, SettingsLost {
+            using runtime_error::runtime_error;
+        };
         if (noMemory) throw std::bad_alloc();
+        if (lost) throw Lost("call");
         throw std::runtime_error("call");
     }
 };

@@ -31,7 +31,8 @@ protected:
     const wchar_t* GetName() const override { return L"ControlDlg"; }
     std::span<const win32::HostedControl> GetHostedControls() const override { return {&m_control, 1}; }
     std::span<const win32::EventEntry> GetEventMap() const override {
-        static constexpr win32::EventEntry kMap[] = {win32::OnEvent<&ControlDlg::OnMoved>(IDC_TEST_CONTROL, kMoved)};
+        static constexpr win32::EventEntry kMap[] = {
+            win32::OnPointerEvent<&ControlDlg::OnMoved>(IDC_TEST_CONTROL, kMoved)};
         return kMap;
     }
 

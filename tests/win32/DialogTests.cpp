@@ -22,7 +22,7 @@ public:
     explicit TestDlg(UINT templateId = IDD_TEST_PLAIN) : CDialog(templateId) {}
 
     float m_fNumber = 1.0F;
-    Action m_onInit, m_onButton, m_onMessage, m_onDestroy;
+    Action m_onInit, m_onButton, m_onNotice, m_onMessage, m_onDestroy;
 
 protected:
     const wchar_t* GetName() const override { return L"TestDlg"; }
@@ -45,7 +45,10 @@ protected:
 
 private:
     void OnButton() { m_onButton(); }
-    LRESULT OnNotice(NMHDR*) { return 42; }
+    LRESULT OnNotice(NMHDR*) {
+        if (m_onNotice) m_onNotice();
+        return 42;
+    }
     LRESULT OnFailingMessage(WPARAM, LPARAM) {
         m_onMessage();
         return 0;
@@ -108,7 +111,20 @@ TEST_F(DialogLayer, AFailingCommandIsToldEachTimeAndTheDialogStays) {
     EXPECT_EQ(traces[0].text, L"TestDlg: a host object failed with status 0x80040154.");
 }
 
-TEST_F(DialogLayer, AFailingNotificationIsToldOncePerCause) {
+// A key, a double click, an edited cell: all of them come as notifications.
+TEST_F(DialogLayer, AFailingNotificationOfTheUserIsToldEachTime) {
+    TestDlg dialog;
+    dialog.m_onNotice = [] { throw _com_error(E_FAIL); };
+    const auto notify = [](HWND window) {
+        NMHDR header = {GetDlgItem(window, IDC_TEST_NUMBER), IDC_TEST_NUMBER, kCodeWithResult};
+        SendMessageW(window, WM_NOTIFY, IDC_TEST_NUMBER, reinterpret_cast<LPARAM>(&header));
+    };
+    test::PlayDialog({notify, notify, test::Cancel}, [&] { dialog.DoModal(); });
+    EXPECT_EQ(test::TakeBoxes().size(), 2U);
+    EXPECT_EQ(test::TakeTraces().size(), 2U);
+}
+
+TEST_F(DialogLayer, WhatFollowsThePointerIsToldOncePerCause) {
     TestDlg dialog;
     HRESULT status = E_FAIL;
     dialog.m_onMessage = [&status] { throw _com_error(status); };

@@ -57,10 +57,15 @@
 
 /* What every dialog tells the user */
 #define TEXT_NUMBER_REFUSED "%1: Bitte geben Sie eine Zahl von %2 bis %3 ein. Schreiben Sie Dezimalzahlen mit Punkt, zum Beispiel 8.5."
-#define TEXT_FAILED_HOST_OBJECT "Das war nicht möglich: Eine Komponente der Anwendung ist fehlgeschlagen (Fehler %1).\n\nIhre Eingaben sind noch da. Bitte versuchen Sie es noch einmal; schlägt es wieder fehl, wählen Sie „Abbrechen“ und starten Sie die Anwendung neu."
-#define TEXT_FAILED_NOT_REGISTERED "Das war nicht möglich: Eine Komponente der Anwendung ist nicht registriert (Fehler %1).\n\nIhre Eingaben sind noch da. Bitte lassen Sie die Installation der Anwendung reparieren."
-#define TEXT_FAILED_MEMORY "Das war nicht möglich: Der Arbeitsspeicher reicht nicht aus.\n\nIhre Eingaben sind noch da. Bitte schließen Sie andere Programme und versuchen Sie es noch einmal."
-#define TEXT_FAILED_UNEXPECTED "Das war wegen eines unerwarteten Fehlers nicht möglich.\n\nIhre Eingaben sind noch da. Bitte versuchen Sie es noch einmal; das Protokoll der Anwendung nennt den Vorgang, der fehlgeschlagen ist."
+#define TEXT_FAILED_HOST_OBJECT "Das war nicht möglich: Eine Komponente der Anwendung ist fehlgeschlagen (Fehler %1).\n\n%2 Bitte versuchen Sie es noch einmal; schlägt es wieder fehl, wählen Sie „Abbrechen“ und starten Sie die Anwendung neu."
+#define TEXT_FAILED_NOT_REGISTERED "Das war nicht möglich: Eine Komponente der Anwendung ist nicht registriert (Fehler %1).\n\n%2 Bitte lassen Sie die Installation der Anwendung reparieren."
+#define TEXT_FAILED_MEMORY "Das war nicht möglich: Der Arbeitsspeicher reicht nicht aus.\n\n%1 Bitte schließen Sie andere Programme und versuchen Sie es noch einmal."
+#define TEXT_FAILED_UNEXPECTED "Das war wegen eines unerwarteten Fehlers nicht möglich.\n\n%1 Bitte versuchen Sie es noch einmal; das Protokoll der Anwendung nennt den Vorgang, der fehlgeschlagen ist."
+#define TEXT_KEPT "Ihre Eingaben sind noch da."
+#define TEXT_BACK_LENGTH "Die eingegebene Zahl wurde zurückgenommen; der Bereich ist wie zuvor."
+#define TEXT_BACK_AREA "Der neue Bereich wurde zurückgenommen."
+#define TEXT_BACK_FIELD "Das gewählte Indexfeld wurde zurückgenommen."
+#define TEXT_BACK_SET "Der neue Bereichssatz wurde zurückgenommen."
 
 /* Strings of Manage Area Sets */
 #define TEXT_MANAGE_COLUMN "Ausgewählte Bereichssätze"

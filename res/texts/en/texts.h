@@ -56,10 +56,15 @@
 
 /* What every dialog tells the user */
 #define TEXT_NUMBER_REFUSED "%1: please enter a number from %2 to %3. Write decimals with a point, for example 8.5."
-#define TEXT_FAILED_HOST_OBJECT "This could not be done: a component of the application failed (error %1).\n\nNothing that you entered is lost. Please try again; if it fails again, choose Cancel and restart the application."
-#define TEXT_FAILED_NOT_REGISTERED "This could not be done: a component of the application is not registered (error %1).\n\nNothing that you entered is lost. Please have the installation of the application repaired."
-#define TEXT_FAILED_MEMORY "This could not be done: there is not enough memory.\n\nNothing that you entered is lost. Please close other programs and try again."
-#define TEXT_FAILED_UNEXPECTED "This could not be done because of an unexpected failure.\n\nNothing that you entered is lost. Please try again; the application's log says which operation failed."
+#define TEXT_FAILED_HOST_OBJECT "This could not be done: a component of the application failed (error %1).\n\n%2 Please try again; if it fails again, choose Cancel and restart the application."
+#define TEXT_FAILED_NOT_REGISTERED "This could not be done: a component of the application is not registered (error %1).\n\n%2 Please have the installation of the application repaired."
+#define TEXT_FAILED_MEMORY "This could not be done: there is not enough memory.\n\n%1 Please close other programs and try again."
+#define TEXT_FAILED_UNEXPECTED "This could not be done because of an unexpected failure.\n\n%1 Please try again; the application's log says which operation failed."
+#define TEXT_KEPT "Nothing that you entered is lost."
+#define TEXT_BACK_LENGTH "The number that you typed was taken back; the area is as it was."
+#define TEXT_BACK_AREA "The new area was taken back."
+#define TEXT_BACK_FIELD "The indexing field that you chose was taken back."
+#define TEXT_BACK_SET "The new area set was taken back."
 
 /* Strings of Manage Area Sets */
 #define TEXT_MANAGE_COLUMN "Selected areas sets"
