@@ -32,7 +32,9 @@ def repaired(name, data):
     """The end marker of the kind behind what is left; (how, data)."""
     if name.endswith(".jpg"):
         yield "cut, end marker", data + b"\xff\xd9"
-    if name.endswith(".png"):
+    if data[:3] == b"GIF":
+        yield "cut, end marker", data + b";"
+    elif name.endswith(".png"):
         yield "cut, end marker", data + struct.pack(">I", 0) + b"IEND" + struct.pack(">I", zlib.crc32(b"IEND"))
         at = data.find(b"IDAT") - 4
         if at > 0:  # the last chunk made as long as what is left

@@ -53,7 +53,7 @@ def netpbm(program):
 
 
 DECODERS = {"pillow": pillow, "tiff2rgba": tiff2rgba, "djpeg": netpbm("djpeg"), "pngtopam": netpbm("pngtopam"),
-            "bmptopnm": netpbm("bmptopnm")}
+            "bmptopnm": netpbm("bmptopnm"), "giftopnm": netpbm("giftopnm")}
 TURNS = {2: np.fliplr, 3: lambda a: a[::-1, ::-1], 4: np.flipud, 5: lambda a: a.transpose(1, 0, 2),
          6: lambda a: np.rot90(a, -1), 7: lambda a: a[::-1, ::-1].transpose(1, 0, 2), 8: np.rot90}
 
@@ -76,6 +76,8 @@ def file_dpi(data):
     if data[:2] == b"\x89P":
         at = data.find(b"pHYs")
         return [v * per_metre for v in struct.unpack(">II", data[at + 4:at + 12])] if at > 0 and data[at + 12] == 1 else [0, 0]
+    if data[:3] == b"GIF":
+        return [0, 0]
     at = data.find(b"JFIF\0")
     scale = {1: 1, 2: Fraction(254, 100)}.get(data[at + 7], 0) if at > 0 else 0
     return [v * scale for v in struct.unpack(">HH", data[at + 8:at + 12])] if scale else [0, 0]

@@ -1,5 +1,6 @@
-"""PNG, BMP and JPEG of other programs' encoders, and kinds that are refused."""
+"""PNG, BMP, GIF and JPEG of other programs' encoders, and kinds that are refused."""
 import io
+import itertools
 import struct
 
 import numpy as np
@@ -72,6 +73,24 @@ def jpegs(src):
             exif = b"Exif\0\0" + (b"II*\0" if order == "<" else b"MM\0*") + struct.pack(order + "IHHHIHHI", 8, 1, tiff.ORIENTATION, 3, 1, turn, 0, 0)
             data = plain[:20] + b"\xff\xe1" + struct.pack(">H", len(exif) + 2) + exif + plain[20:]
             yield Sample(f"turned-{turn}.jpeg-{'IM'[order == '>']}.jpg", data, limits=JPEG, refs=JPEG_REFS, turn=turn, plain=plain)
+
+
+def gifs(src):
+    """Under the ending of another kind: a folder's pages are told by those that people scan to."""
+    refs = ("pillow", "giftopnm")
+    for w, h in [(61, 47), (37, 23), (1, 1), (2049, 21)]:
+        for n, lace in itertools.product((2, 16, 100, 256), (0, 1)):
+            image = Image.fromarray(src.arrays(w, h)[2]).quantize(n)
+            image.putpalette([255] * 3 + image.getpalette()[3:])  # the paper's colour is there
+            few, out, clear = np.asarray(image.convert("RGB")), io.BytesIO(), io.BytesIO()
+            image.save(out, "GIF", interlace=lace)
+            yield Sample(f"gif-pillow.{n}-{lace}.{w}x{h}.png", out.getvalue(), few, EXACT, refs)
+            image.save(clear, "GIF", interlace=lace, transparency=1)
+            want = np.where(np.asarray(image)[..., None] == 1, 255, few).astype(np.uint8)
+            yield Sample(f"gif-pillow.{n}-clear-{lace}.{w}x{h}.png", clear.getvalue(), want, EXACT, refs[:1])
+            if n <= 16:
+                data = run(CONVERT, "-", "-interlace", ("none", "GIF")[lace], "gif:-", stdin=pnm(few))
+                yield Sample(f"gif-magick.{n}-{lace}.{w}x{h}.png", data, few if n == 2 else None, EXACT, refs)  # it merges colours that are alike
 
 
 def rle4(indices):
