@@ -7,19 +7,12 @@
 #include <string_view>
 
 #include "refhost/app/Console.h"
+#include "refhost/app/StoredLayout.h"
 #include "refhost/app/Text.h"
 
 namespace zonhost {
 
 namespace {
-
-constexpr struct {
-    std::wstring_view name;
-    int32_t Rect::*coordinate;
-} kCoordinates[] = {{L"Position:bottom", &Rect::bottom},
-                    {L"Position:left", &Rect::left},
-                    {L"Position:right", &Rect::right},
-                    {L"Position:top", &Rect::top}};
 
 enum class Place { kSet, kAreas, kArea, kPage, kOther };
 

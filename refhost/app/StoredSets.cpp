@@ -5,21 +5,13 @@
 #include <memory>
 
 #include "refhost/app/Console.h"
+#include "refhost/app/StoredLayout.h"
 
 _COM_SMARTPTR_TYPEDEF(ISettingsNode, __uuidof(ISettingsNode));
 
 namespace zonhost {
 
 namespace {
-
-// The coordinates of a rectangle node, by the names of their values.
-constexpr struct {
-    const wchar_t* name;
-    int32_t Rect::*coordinate;
-} kCoordinates[] = {{L"Position:bottom", &Rect::bottom},
-                    {L"Position:left", &Rect::left},
-                    {L"Position:right", &Rect::right},
-                    {L"Position:top", &Rect::top}};
 
 void Check(HRESULT result) {
     if (FAILED(result)) _com_raise_error(result);
