@@ -159,7 +159,8 @@ int __wrap_pthread_setspecific(unsigned key, const void* value) {
 
 BOOL WINAPI DllMainCRTStartup(HINSTANCE instance, DWORD reason, LPVOID processEnds);
 
-BOOL WINAPI DllRuntimeEntry(HINSTANCE instance, DWORD reason, LPVOID processEnds) {
+// What guards the stack gets its value within: a function that is guarded itself would take that for a fault.
+__attribute__((no_stack_protector)) BOOL WINAPI DllRuntimeEntry(HINSTANCE instance, DWORD reason, LPVOID processEnds) {
     const BOOL result = DllMainCRTStartup(instance, reason, processEnds);
     if (reason == DLL_THREAD_DETACH) dllruntime::EndThread();
     // When the whole process ends, other threads may have been stopped anywhere, and the system takes everything back.
