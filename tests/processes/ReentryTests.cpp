@@ -96,5 +96,34 @@ TEST_F(Reentry, MessagesAndQuestionsInEachCallChangeNothing) {
     }
 }
 
+// Where the host has no memory or its node is gone, a page is masked by the whole set or not at all, and nothing is
+// stored over what was not read.
+TEST_F(Reentry, AReadThatIsCutOffTakesNothingFromTheFile) {
+    const bool all = std::getenv("ZONWICK_TEST_LONG") != nullptr;
+    const int calls = Run(Phase::kLoad, -1);
+    int runs = 0, masked = 0;
+    for (const HRESULT status : {E_OUTOFMEMORY, RPC_E_DISCONNECTED}) {
+        for (int n = 1; n <= calls; n += all ? 1 : calls / 8, ++runs) {
+            SCOPED_TRACE(testing::Message() << std::hex << status << std::dec << " at call " << n);
+            WriteFile(SampleFile());
+            Calls() = {0, 0, n, status};
+            OpenFile(m_path);
+            Calls() = {};
+            const std::string page = MaskedPage(L"Set 2");
+            EXPECT_TRUE(page.empty() || page == m_masked);
+            masked += page.empty() ? 0 : 1;
+            Play({[&](HWND dialog) {
+                for (const UINT id : {IDC_MANAGE_REMOVE, IDOK, IDCANCEL}) SendMessageW(dialog, WM_COMMAND, id, 0);
+            }});
+            EXPECT_EQ(ReadFile(), SampleFile());
+            TakeHostBoxes();
+            OpenFile(m_path);
+            EXPECT_EQ(Sets(), m_sets);
+        }
+    }
+    std::printf("%d reads cut off, %d times the page was masked\n", runs, masked);
+    EXPECT_TRUE(masked > 0 && masked < runs);
+}
+
 }  // namespace
 }  // namespace test
