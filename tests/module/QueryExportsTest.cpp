@@ -38,6 +38,22 @@ protected:
         node->Release();
     }
 
+    // "Invoice" is an ignored set.
+    void ExpectMaskedOrRefused(bool masked) {
+        FakeImaging& imaging = m_module->Imaging();
+        imaging.keep = imaging.count = 9;
+        int image = 0;
+        BYTE* block = nullptr;
+        DWORD length = 0;
+        EXPECT_EQ(m_module->CreateImage(&image, L"Invoice", &block, &length) != FALSE, masked);
+        m_module->FreeImage(block);
+        if (!masked) return;
+        EXPECT_EQ(imaging.keep, 0u);
+        EXPECT_EQ(imaging.count, 2u);
+        EXPECT_EQ(imaging.rects[0].right, 3);
+        EXPECT_EQ(imaging.rects[1].bottom, 30);
+    }
+
     std::shared_ptr<FakeTree> m_tree = std::make_shared<FakeTree>();
     std::optional<test::FakeSettingsClasses> m_classes;
     std::optional<test::LoadedModule> m_module;
@@ -230,7 +246,8 @@ TEST_F(QueryExports, SurviveAFailureOfEveryHostCall) {
     }
 }
 
-// Where the host has no memory or its object is gone, nothing was found out: a set is whole or not there.
+// Where the host has no memory or its object is gone, nothing was found out: a set is whole or not there, also for the
+// masking, and what the host keeps stands.
 TEST_F(QueryExports, SetsWhoseReadingWasCutOffAreNotServed) {
     constexpr const wchar_t* kWhole = L"Invoice 1 1,2,3,4 20,10,40,30";
     const struct {
@@ -245,10 +262,11 @@ TEST_F(QueryExports, SetsWhoseReadingWasCutOffAreNotServed) {
                 {HRESULT_FROM_WIN32(RPC_S_CALL_FAILED), true},
                 {HRESULT_FROM_WIN32(RPC_S_CALL_FAILED_DNE), true},
                 {RPC_E_CALL_REJECTED, false}};
+    const std::wstring before = m_tree->Dump();
     Init();
     for (const auto& [status, lost] : rows) {
         int partly = 0, missing = 0;
-        for (int n = 10; n < 35; ++n) {
+        for (int n = 1; n < 35; ++n) {
             SCOPED_TRACE(testing::Message() << std::hex << status << std::dec << " at call " << n);
             Host().Reset();
             Host().failAt = n;
@@ -258,6 +276,8 @@ TEST_F(QueryExports, SetsWhoseReadingWasCutOffAreNotServed) {
             const std::wstring invoice = DescribeInvoice(*m_module);
             partly += invoice != kWhole && invoice != L"none";
             missing += invoice == L"none";
+            if (lost) ExpectMaskedOrRefused(invoice == kWhole);
+            EXPECT_EQ(m_tree->Dump(), before);
         }
         EXPECT_EQ(partly == 0, lost) << std::hex << status;
         EXPECT_EQ(missing > 10, lost) << std::hex << status;

@@ -50,34 +50,34 @@ public:
     HRESULT STDMETHODCALLTYPE Reserved16() override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE Reserved19() override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetSubNodeNames(SAFEARRAY** names) override {
-        return Count() ? E_FAIL : m_real->GetSubNodeNames(names);
+        return Count() ? Calls().failStatus : m_real->GetSubNodeNames(names);
     }
     HRESULT STDMETHODCALLTYPE GetSubNode(BSTR name, ISettingsNode** node) override {
         win32::ComPtr<ISettingsNode> real;
-        const HRESULT status = Count() ? E_FAIL : m_real->GetSubNode(name, &real);
+        const HRESULT status = Count() ? Calls().failStatus : m_real->GetSubNode(name, &real);
         *node = SUCCEEDED(status) ? new CountedNode(real) : nullptr;
         return status;
     }
     HRESULT STDMETHODCALLTYPE DeleteSubNode(BSTR name) override {
-        return Count() ? E_FAIL : m_real->DeleteSubNode(name);
+        return Count() ? Calls().failStatus : m_real->DeleteSubNode(name);
     }
     HRESULT STDMETHODCALLTYPE GetString(BSTR name, BSTR* value) override {
-        return Count() ? E_FAIL : m_real->GetString(name, value);
+        return Count() ? Calls().failStatus : m_real->GetString(name, value);
     }
     HRESULT STDMETHODCALLTYPE GetInt64(BSTR name, LONGLONG* value) override {
-        return Count() ? E_FAIL : m_real->GetInt64(name, value);
+        return Count() ? Calls().failStatus : m_real->GetInt64(name, value);
     }
     HRESULT STDMETHODCALLTYPE GetBool(BSTR name, VARIANT_BOOL* value) override {
-        return Count() ? E_FAIL : m_real->GetBool(name, value);
+        return Count() ? Calls().failStatus : m_real->GetBool(name, value);
     }
     HRESULT STDMETHODCALLTYPE SetString(BSTR name, BSTR value) override {
-        return Count() ? E_FAIL : m_real->SetString(name, value);
+        return Count() ? Calls().failStatus : m_real->SetString(name, value);
     }
     HRESULT STDMETHODCALLTYPE SetInt64(BSTR name, LONGLONG value) override {
-        return Count() ? E_FAIL : m_real->SetInt64(name, value);
+        return Count() ? Calls().failStatus : m_real->SetInt64(name, value);
     }
     HRESULT STDMETHODCALLTYPE SetBool(BSTR name, VARIANT_BOOL value) override {
-        return Count() ? E_FAIL : m_real->SetBool(name, value);
+        return Count() ? Calls().failStatus : m_real->SetBool(name, value);
     }
 
 private:
@@ -92,10 +92,10 @@ ISettingsNode* RealOf(ISettingsNode* node) {
 class CountedTransfer final : public com::Object<com::NoDispatch<ISettingsTransfer>> {
 public:
     HRESULT STDMETHODCALLTYPE CopyNode(ISettingsNode* target, ISettingsNode* source) override {
-        return Count() ? E_FAIL : m_real->CopyNode(RealOf(target), RealOf(source));
+        return Count() ? Calls().failStatus : m_real->CopyNode(RealOf(target), RealOf(source));
     }
     HRESULT STDMETHODCALLTYPE ClearNode(ISettingsNode* target) override {
-        return Count() ? E_FAIL : m_real->ClearNode(RealOf(target));
+        return Count() ? Calls().failStatus : m_real->ClearNode(RealOf(target));
     }
 
 private:

@@ -22,6 +22,7 @@ struct HostCalls {
     int count = 0;
     int endAt = 0;                           // the process ends in this call, before it is carried out; 0 is never
     int failAt = 0;                          // this call fails
+    HRESULT failStatus = E_FAIL;             // with this
     std::function<void()> during = nullptr;  // what the host does in each call, but not in calls that come from it
 };
 HostCalls& Calls();

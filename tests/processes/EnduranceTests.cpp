@@ -41,24 +41,11 @@ Holdings Measure() {
 
 class Endurance : public SettingsFileDialog {
 protected:
-    void LoadPage() {
-        m_imaging = std::make_unique<com::HostDll>(L"HostImaging.dll");
-        void* file = nullptr;
-        uint32_t frames = 0;
-        ASSERT_TRUE(m_imaging->Export<decltype(::HostOpenImageFile)>("HostOpenImageFile")(SAMPLES_DIR L"/letter.tif",
-                                                                                          &file, &frames));
-        EXPECT_TRUE(m_imaging->Export<decltype(::HostLoadFrame)>("HostLoadFrame")(file, 0, 0, 0, &m_page));
-        m_imaging->Export<decltype(::HostCloseImageFile)>("HostCloseImageFile")(file);
-    }
     // Load, query, mask, and a dialog in a dialog: OK in all of them in one round, Cancel in the next.
     void Round(bool ok) {
         OpenFile(m_path);
         EXPECT_NE(Sets(), L"");
-        BYTE* block = nullptr;
-        DWORD length = 0;
-        EXPECT_TRUE(Export<decltype(::CreateAreaSetImage)>("CreateAreaSetImage")(m_page, L"Set 2", &block, &length));
-        EXPECT_GT(length, 1000u);
-        Export<decltype(::FreeAreaSetImage)>("FreeAreaSetImage")(block);
+        EXPECT_GT(MaskedPage(L"Set 2").size(), 1000u);
         const auto close = ok ? PressOk : PressCancel;
         EXPECT_TRUE(Play({[](HWND) { PressKey(VK_INSERT); }, [](HWND) { TypeText(L"Round"); },
                           [](HWND) { PressKey(VK_RETURN); }, [](HWND dialog) { Post(dialog, IDC_MANAGE_CONFIGURE); },
@@ -71,19 +58,6 @@ protected:
         TakeTraces();
         EXPECT_TRUE(TakeHostBoxes().empty());
     }
-    void TearDown() override {
-        if (m_page != nullptr) Release()(m_page);
-        SettingsFileDialog::TearDown();
-    }
-
-    // Exported without a name.
-    decltype(&::HostReleaseImage) Release() const {
-        return reinterpret_cast<decltype(&::HostReleaseImage)>(
-            reinterpret_cast<void*>(GetProcAddress(m_imaging->Get(), MAKEINTRESOURCEA(83))));
-    }
-
-    std::unique_ptr<com::HostDll> m_imaging;
-    void* m_page = nullptr;
 };
 
 TEST_F(Endurance, NothingGrows) {

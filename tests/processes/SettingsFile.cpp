@@ -3,9 +3,17 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "host/Imaging.h"
+#include "refhost/imaging/HostImaging.h"
+
 namespace test {
 
 void SettingsFileDialog::TearDown() {
+    // Exported without a name.
+    if (m_page != nullptr) {
+        reinterpret_cast<decltype(&::HostReleaseImage)>(
+            reinterpret_cast<void*>(GetProcAddress(m_imaging->Get(), MAKEINTRESOURCEA(83))))(m_page);
+    }
     TakeTraces();
     ManageDialog::TearDown();
     for (const wchar_t* suffix : {L"", L".bak", L".lock", L".commit"}) DeleteFileW((m_path + suffix).c_str());
@@ -55,6 +63,25 @@ std::wstring SettingsFileDialog::Sets() {
         text += L"\n";
     }
     return text;
+}
+
+void SettingsFileDialog::LoadPage() {
+    m_imaging = std::make_unique<com::HostDll>(L"HostImaging.dll");
+    void* file = nullptr;
+    uint32_t frames = 0;
+    ASSERT_TRUE(m_imaging->Export<decltype(::HostOpenImageFile)>("HostOpenImageFile")(SAMPLES_DIR L"/letter.tif", &file,
+                                                                                      &frames));
+    EXPECT_TRUE(m_imaging->Export<decltype(::HostLoadFrame)>("HostLoadFrame")(file, 0, 0, 0, &m_page));
+    m_imaging->Export<decltype(::HostCloseImageFile)>("HostCloseImageFile")(file);
+}
+
+std::string SettingsFileDialog::MaskedPage(const wchar_t* set) {
+    BYTE* block = nullptr;
+    DWORD length = 0;
+    if (!Export<decltype(::CreateAreaSetImage)>("CreateAreaSetImage")(m_page, set, &block, &length)) return {};
+    std::string content(block, block + length);
+    Export<decltype(::FreeAreaSetImage)>("FreeAreaSetImage")(block);
+    return content;
 }
 
 bool SettingsFileDialog::MetAnAbandonedLock() {

@@ -1,6 +1,7 @@
 #pragma once
 // "Manage Area Sets" in Zonwick.dll over a settings file of the real store, whose calls are counted.
 
+#include <memory>
 #include <string>
 
 #include "dialogs/ManageFixture.h"
@@ -24,6 +25,9 @@ protected:
     std::string ReadFile() const;
     // All sets as the exports tell them, a line each.
     std::wstring Sets();
+    void LoadPage();
+    // The block of the masked page; empty when it is refused.
+    std::string MaskedPage(const wchar_t* set);
     // Whether the lock was met as a dead process left it; takes all traces.
     bool MetAnAbandonedLock();
     template <class Function>
@@ -34,6 +38,10 @@ protected:
 
     using Settings::counted;
     std::wstring m_path;
+
+private:
+    std::unique_ptr<com::HostDll> m_imaging;
+    void* m_page = nullptr;
 };
 
 // Three sets of two areas each.
