@@ -6,6 +6,8 @@
 
 #include "refhost/app/Console.h"
 #include "refhost/app/StoredLayout.h"
+#include "refhost/app/Text.h"
+#include "refhost/settings/HostSettings.h"
 
 _COM_SMARTPTR_TYPEDEF(ISettingsNode, __uuidof(ISettingsNode));
 
@@ -56,7 +58,28 @@ void WriteRect(ISettingsNode* node, const std::string& name, const Rect& rect) {
     for (const auto& c : kCoordinates) Check(sub->SetInt64(_bstr_t(c.name), rect.*c.coordinate));
 }
 
+size_t Digits(int64_t value) {
+    size_t digits = value < 0 ? 2 : 1;
+    for (; value > 9 || value < -9; value /= 10) ++digits;
+    return digits;
+}
+
 }  // namespace
+
+void ExpectRoom(const std::vector<AreaSetRecord>& sets) {
+    constexpr std::string_view kArea =
+        R"("": {"Position:bottom": , "Position:left": , "Position:right": , "Position:top": },)";
+    size_t size = 0;
+    for (const AreaSetRecord& set : sets) {
+        for (const Rect& area : set.areas) {
+            size += kArea.size() + 1 + Digits(area.bottom) + Digits(area.left) + Digits(area.right) + Digits(area.top);
+        }
+    }
+    if (size <= kSettingsMaxFileSize) return;
+    throw CommandError(ExitCode::kNothingDone,
+                       "the sets to be imported take more than the " + std::to_string(kSettingsMaxFileSize >> 20) +
+                           " MiB that a settings file can have; import fewer of them with --set");
+}
 
 void WriteSet(ISettingsNode* root, const PlannedSet& planned) {
     const ISettingsNodePtr node = SubNode(root, Name(planned.key));
