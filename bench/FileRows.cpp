@@ -23,7 +23,7 @@ constexpr uintmax_t kLongestFile = uintmax_t{64} << 20;
 // One set of so many areas, on the disk as well; gone at its end.
 class ExchangeFile {
 public:
-    explicit ExchangeFile(int areas) {
+    explicit ExchangeFile(int areas) : m_path(PathOf(areas)) {
         m_text = R"({"sets":[{"name":"Bench","mode":"required","areas":[)";
         for (int i = 0; i < areas; ++i) {
             const std::string left = std::to_string(i % 40 * 50);
@@ -55,8 +55,12 @@ public:
     }
 
 private:
-    std::filesystem::path m_path =
-        std::filesystem::temp_directory_path() / ("bench" + std::to_string(GetCurrentProcessId()) + ".sets");
+    static std::filesystem::path PathOf(int areas) {
+        return std::filesystem::temp_directory_path() /
+               ("bench" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(areas) + ".sets");
+    }
+
+    const std::filesystem::path m_path;
     std::string m_text;
 };
 

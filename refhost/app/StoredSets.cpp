@@ -53,10 +53,20 @@ std::vector<std::string> SubNodeNames(ISettingsNode* node) {
     return names;
 }
 
-void WriteRect(ISettingsNode* node, const std::string& name, const Rect& rect) {
-    const ISettingsNodePtr sub = SubNode(node, Name(name));
-    for (const auto& c : kCoordinates) Check(sub->SetInt64(_bstr_t(c.name), rect.*c.coordinate));
-}
+// Writes rectangles under the names of their values, which are made once for all of them.
+class RectWriter {
+public:
+    void Write(ISettingsNode* node, const _bstr_t& name, const Rect& rect) const {
+        const ISettingsNodePtr sub = SubNode(node, name);
+        for (size_t i = 0; i < std::size(kCoordinates); ++i) {
+            Check(sub->SetInt64(m_names[i], rect.*kCoordinates[i].coordinate));
+        }
+    }
+
+private:
+    const _bstr_t m_names[std::size(kCoordinates)] = {kCoordinates[0].name, kCoordinates[1].name, kCoordinates[2].name,
+                                                      kCoordinates[3].name};
+};
 
 size_t Digits(int64_t value) {
     size_t digits = value < 0 ? 2 : 1;
@@ -85,10 +95,13 @@ void WriteSet(ISettingsNode* root, const PlannedSet& planned) {
     const ISettingsNodePtr node = SubNode(root, Name(planned.key));
     Check(node->SetString(_bstr_t(L"Name"), Name(planned.set.name)));
     Check(node->SetInt64(_bstr_t(L"Flags"), planned.set.flags));
-    WriteRect(node, "DisplayRect", planned.set.page);
+    const RectWriter writer;
+    writer.Write(node, L"DisplayRect", planned.set.page);
     const ISettingsNodePtr areas = SubNode(node, L"Rect");
     for (const std::string& old : SubNodeNames(areas)) Check(areas->DeleteSubNode(Name(old)));
-    for (size_t i = 0; i < planned.set.areas.size(); ++i) WriteRect(areas, std::to_string(i), planned.set.areas[i]);
+    for (size_t i = 0; i < planned.set.areas.size(); ++i) {
+        writer.Write(areas, std::to_wstring(i).c_str(), planned.set.areas[i]);
+    }
 }
 
 }  // namespace zonhost

@@ -55,19 +55,19 @@ HRESULT SettingsNode::GetSubNode(BSTR name, ISettingsNode** node) {
     return Edge([&] {
         CheckOut(node);
         *node = nullptr;
-        *node = new SettingsNode(m_node->Child(UnitsFrom(name)));
+        *node = new SettingsNode(m_node->Child(Units(name)));
     });
 }
 
 HRESULT SettingsNode::DeleteSubNode(BSTR name) {
-    return Edge([&] { m_node->RemoveChild(UnitsFrom(name)); });
+    return Edge([&] { m_node->RemoveChild(Units(name)); });
 }
 
 HRESULT SettingsNode::GetString(BSTR name, BSTR* value) {
     return Edge([&] {
         CheckOut(value);
         *value = nullptr;
-        *value = NewBstr(m_node->Value<std::u16string>(UnitsFrom(name)));
+        *value = NewBstr(m_node->Value<std::u16string>(Units(name)));
     });
 }
 
@@ -75,7 +75,7 @@ HRESULT SettingsNode::GetInt64(BSTR name, LONGLONG* value) {
     return Edge([&] {
         CheckOut(value);
         *value = 0;
-        *value = m_node->Value<int64_t>(UnitsFrom(name));
+        *value = m_node->Value<int64_t>(Units(name));
     });
 }
 
@@ -83,20 +83,20 @@ HRESULT SettingsNode::GetBool(BSTR name, VARIANT_BOOL* value) {
     return Edge([&] {
         CheckOut(value);
         *value = VARIANT_FALSE;
-        *value = m_node->Value<bool>(UnitsFrom(name)) ? VARIANT_TRUE : VARIANT_FALSE;
+        *value = m_node->Value<bool>(Units(name)) ? VARIANT_TRUE : VARIANT_FALSE;
     });
 }
 
 HRESULT SettingsNode::SetString(BSTR name, BSTR value) {
-    return Edge([&] { m_node->SetValue(UnitsFrom(name), UnitsFrom(value)); });
+    return Edge([&] { m_node->SetValue(Units(name), UnitsFrom(value)); });
 }
 
 HRESULT SettingsNode::SetInt64(BSTR name, LONGLONG value) {
-    return Edge([&] { m_node->SetValue(UnitsFrom(name), int64_t{value}); });
+    return Edge([&] { m_node->SetValue(Units(name), int64_t{value}); });
 }
 
 HRESULT SettingsNode::SetBool(BSTR name, VARIANT_BOOL value) {
-    return Edge([&] { m_node->SetValue(UnitsFrom(name), value != VARIANT_FALSE); });
+    return Edge([&] { m_node->SetValue(Units(name), value != VARIANT_FALSE); });
 }
 
 }  // namespace settings
