@@ -17,12 +17,12 @@ struct DestroyArray {
     void operator()(SAFEARRAY* array) const noexcept { SafeArrayDestroy(array); }
 };
 
-SAFEARRAY* NewArray(const std::vector<const std::u16string*>& names) {
+SAFEARRAY* NewArray(const std::vector<std::u16string_view>& names) {
     if (names.size() > static_cast<size_t>(std::numeric_limits<LONG>::max())) throw std::bad_alloc();
     std::unique_ptr<SAFEARRAY, DestroyArray> array(SafeArrayCreateVector(VT_BSTR, 0, static_cast<ULONG>(names.size())));
     if (array == nullptr) throw std::bad_alloc();
     auto* elements = static_cast<BSTR*>(array->pvData);
-    for (size_t i = 0; i < names.size(); ++i) elements[i] = NewBstr(*names[i]);
+    for (size_t i = 0; i < names.size(); ++i) elements[i] = NewBstr(names[i]);
     return array.release();
 }
 
@@ -31,9 +31,9 @@ HRESULT ListNames(const Node& node, SAFEARRAY** names, Wanted&& wanted) noexcept
     return Edge([&] {
         CheckOut(names);
         *names = nullptr;
-        std::vector<const std::u16string*> found;
+        std::vector<std::u16string_view> found;
         for (const Member& member : node.Members()) {
-            if (wanted(member)) found.push_back(&member.name);
+            if (wanted(member)) found.push_back(member.name);
         }
         *names = NewArray(found);
     });
