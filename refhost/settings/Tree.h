@@ -38,6 +38,7 @@ public:
     }
     operator std::u16string_view() const { return {m_long ? m_long.get() : m_short, m_size}; }
     size_t size() const { return m_size; }
+    bool operator==(std::u16string_view text) const { return std::u16string_view(*this) == text; }
 
 private:
     size_t m_size;
