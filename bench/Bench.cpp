@@ -65,11 +65,20 @@ struct Row {
     const char* name;
     void (*measure)();
 };
-constexpr Row kRows[] = {
-    {"copy", bench::MaskedCopy},       {"packed", bench::PackedCopy},     {"query", bench::QueryExports},
-    {"enumerate", bench::Enumeration}, {"settings", bench::LoadAndStore}, {"scale", bench::PageScaling},
-    {"repaint", bench::Repaint},       {"turn", bench::PageTurn},         {"dialogs", bench::Dialogs},
-    {"load", bench::Loading},          {"decode", bench::Decoding}};
+constexpr Row kRows[] = {{"copy", bench::MaskedCopy},
+                         {"packed", bench::PackedCopy},
+                         {"query", bench::QueryExports},
+                         {"enumerate", bench::Enumeration},
+                         {"settings", bench::LoadAndStore},
+                         {"scale", bench::PageScaling},
+                         {"repaint", bench::Repaint},
+                         {"turn", bench::PageTurn},
+                         {"dialogs", bench::Dialogs},
+                         {"load", bench::Loading},
+                         {"decode", bench::Decoding},
+                         {"import", bench::Import},
+                         {"import-refused", bench::ImportRefused},
+                         {"list", bench::Listing}};
 
 }  // namespace
 

@@ -92,28 +92,6 @@ void ExpectAllFound(const ImportOptions& options, const std::vector<AreaSetRecor
     }
 }
 
-size_t Digits(int64_t value) {
-    size_t digits = value < 0 ? 2 : 1;
-    for (; value > 9 || value < -9; value /= 10) ++digits;
-    return digits;
-}
-
-// Told before the settings are filled with what they could not store: the areas alone, as the store writes them.
-void ExpectRoom(const std::vector<AreaSetRecord>& sets) {
-    constexpr std::string_view kArea =
-        R"("": {"Position:bottom": , "Position:left": , "Position:right": , "Position:top": },)";
-    size_t size = 0;
-    for (const AreaSetRecord& set : sets) {
-        for (const Rect& area : set.areas) {
-            size += kArea.size() + 1 + Digits(area.bottom) + Digits(area.left) + Digits(area.right) + Digits(area.top);
-        }
-    }
-    if (size <= kSettingsMaxFileSize) return;
-    throw CommandError(ExitCode::kNothingDone,
-                       "the sets to be imported take more than the " + std::to_string(kSettingsMaxFileSize >> 20) +
-                           " MiB that a settings file can have; import fewer of them with --set");
-}
-
 std::vector<AreaSetRecord> ReadFiles(const HostSession& session, const ImportOptions& options) {
     const ZonePage zonePage = PageOfZones(options);
     std::vector<AreaSetRecord> sets;

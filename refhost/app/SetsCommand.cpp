@@ -7,6 +7,7 @@
 #include "refhost/app/Console.h"
 #include "refhost/app/HostSession.h"
 #include "refhost/app/OutputFile.h"
+#include "refhost/app/SetTable.h"
 
 namespace zonhost {
 
@@ -25,27 +26,6 @@ const AreaSetRecord& FindSet(const std::vector<TreeSet>& sets, const std::string
     }
     if (!found->Whole()) throw CommandError(ExitCode::kSettings, TellBroken({*found}, file));
     return found->record;
-}
-
-// The sets that were read whole; the others are told.
-std::vector<AreaSetRecord> WholeSets(const std::vector<TreeSet>& sets, const std::string& file, ExitCode& code) {
-    std::vector<AreaSetRecord> whole;
-    for (const TreeSet& set : sets) {
-        if (set.Whole()) whole.push_back(set.record);
-    }
-    PrintError(TellPages(sets));
-    code = whole.size() == sets.size() ? ExitCode::kDone : ExitCode::kSettings;
-    if (code != ExitCode::kDone) PrintError("zonhost: " + TellBroken(sets, file) + "\n");
-    return whole;
-}
-
-std::string Padded(const std::string& text, size_t width, bool right = false) {
-    const std::string blanks(width - std::min(width, Utf16Length(text)), ' ');
-    return right ? blanks + text : text + blanks;
-}
-
-const char* Mode(const AreaSetRecord& set) {
-    return set.Ignored() ? "ignored" : "required";
 }
 
 std::string Millimetres(int64_t tenths) {
@@ -75,14 +55,7 @@ ExitCode ListSets(const CommonOptions& common, const ListOptions& options) {
         Print(FormatAreaSets(sets));
         return code;
     }
-    for (AreaSetRecord& set : sets) set.name = Printable(set.name);
-    size_t width = 4;
-    for (const AreaSetRecord& set : sets) width = std::max(width, Utf16Length(set.name));
-    Print(Padded("ID", 10) + "  " + Padded("Name", width) + "  Areas  Mode\n");
-    for (const AreaSetRecord& set : sets) {
-        Print(KeyOfId(set.id) + "  " + Padded(set.name, width) + "  " +
-              Padded(std::to_string(set.areas.size()), 5, true) + "  " + Mode(set) + "\n");
-    }
+    Print(SetTable(std::move(sets)));
     return code;
 }
 
@@ -114,11 +87,11 @@ ExitCode ShowSet(const CommonOptions& common, const ShowOptions& options) {
 ExitCode ExportSets(const CommonOptions& common, const ExportOptions& options) {
     HostSession session(common);
     const std::string file = Utf8FromPath(common.settings);
-    const std::vector<TreeSet> stored = session.Sets();
+    std::vector<TreeSet> stored = session.Sets();
     ExitCode code = ExitCode::kDone;
     std::vector<AreaSetRecord> sets;
     if (options.sets.empty()) {
-        sets = WholeSets(stored, file, code);
+        sets = WholeSets(std::move(stored), file, code);
     } else {
         for (const std::string& name : options.sets) sets.push_back(FindSet(stored, name, file));
     }

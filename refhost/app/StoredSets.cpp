@@ -6,6 +6,8 @@
 
 #include "refhost/app/Console.h"
 #include "refhost/app/StoredLayout.h"
+#include "refhost/app/Text.h"
+#include "refhost/settings/HostSettings.h"
 
 _COM_SMARTPTR_TYPEDEF(ISettingsNode, __uuidof(ISettingsNode));
 
@@ -51,21 +53,55 @@ std::vector<std::string> SubNodeNames(ISettingsNode* node) {
     return names;
 }
 
-void WriteRect(ISettingsNode* node, const std::string& name, const Rect& rect) {
-    const ISettingsNodePtr sub = SubNode(node, Name(name));
-    for (const auto& c : kCoordinates) Check(sub->SetInt64(_bstr_t(c.name), rect.*c.coordinate));
+// Writes rectangles under the names of their values, which are made once for all of them.
+class RectWriter {
+public:
+    void Write(ISettingsNode* node, const _bstr_t& name, const Rect& rect) const {
+        const ISettingsNodePtr sub = SubNode(node, name);
+        for (size_t i = 0; i < std::size(kCoordinates); ++i) {
+            Check(sub->SetInt64(m_names[i], rect.*kCoordinates[i].coordinate));
+        }
+    }
+
+private:
+    const _bstr_t m_names[std::size(kCoordinates)] = {kCoordinates[0].name, kCoordinates[1].name, kCoordinates[2].name,
+                                                      kCoordinates[3].name};
+};
+
+size_t Digits(int64_t value) {
+    size_t digits = value < 0 ? 2 : 1;
+    for (; value > 9 || value < -9; value /= 10) ++digits;
+    return digits;
 }
 
 }  // namespace
+
+void ExpectRoom(const std::vector<AreaSetRecord>& sets) {
+    constexpr std::string_view kArea =
+        R"("": {"Position:bottom": , "Position:left": , "Position:right": , "Position:top": },)";
+    size_t size = 0;
+    for (const AreaSetRecord& set : sets) {
+        for (const Rect& area : set.areas) {
+            size += kArea.size() + 1 + Digits(area.bottom) + Digits(area.left) + Digits(area.right) + Digits(area.top);
+        }
+    }
+    if (size <= kSettingsMaxFileSize) return;
+    throw CommandError(ExitCode::kNothingDone,
+                       "the sets to be imported take more than the " + std::to_string(kSettingsMaxFileSize >> 20) +
+                           " MiB that a settings file can have; import fewer of them with --set");
+}
 
 void WriteSet(ISettingsNode* root, const PlannedSet& planned) {
     const ISettingsNodePtr node = SubNode(root, Name(planned.key));
     Check(node->SetString(_bstr_t(L"Name"), Name(planned.set.name)));
     Check(node->SetInt64(_bstr_t(L"Flags"), planned.set.flags));
-    WriteRect(node, "DisplayRect", planned.set.page);
+    const RectWriter writer;
+    writer.Write(node, L"DisplayRect", planned.set.page);
     const ISettingsNodePtr areas = SubNode(node, L"Rect");
     for (const std::string& old : SubNodeNames(areas)) Check(areas->DeleteSubNode(Name(old)));
-    for (size_t i = 0; i < planned.set.areas.size(); ++i) WriteRect(areas, std::to_string(i), planned.set.areas[i]);
+    for (size_t i = 0; i < planned.set.areas.size(); ++i) {
+        writer.Write(areas, std::to_wstring(i).c_str(), planned.set.areas[i]);
+    }
 }
 
 }  // namespace zonhost

@@ -63,4 +63,10 @@ STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** object) {
 STDAPI DllCanUnloadNow() {
     return com::CanUnloadNow();
 }
+
+BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) {
+    // At the end of the process others may still report failures, and the system takes everything back.
+    if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) ForgetMessage();
+    return TRUE;
+}
 }

@@ -58,7 +58,7 @@ std::vector<std::u16string> Names(Interface* from, HRESULT (STDMETHODCALLTYPE In
     return names;
 }
 
-NodeReference SubNode(ISettingsNode* node, const std::u16string& name) {
+NodeReference SubNode(ISettingsNode* node, std::u16string_view name) {
     const String text(NewBstr(name));
     ISettingsNode* found = nullptr;
     Check(node->GetSubNode(text.get(), &found));

@@ -16,15 +16,16 @@ namespace settings {
 namespace {
 
 SRWLOCK g_lock = SRWLOCK_INIT;
-// Never destroyed: a failure may be reported while the process unloads its modules.
-std::wstring& g_message = *new std::wstring;
+// Null: none yet. No static object: a failure may be reported while a process that ends lets go of its modules.
+std::wstring* g_message = nullptr;
 
 void Remember(const std::wstring& message) noexcept {
     AcquireSRWLockExclusive(&g_lock);
     try {
-        g_message = message;
+        if (g_message == nullptr) g_message = new std::wstring;
+        *g_message = message;
     } catch (...) {
-        g_message.clear();
+        if (g_message != nullptr) g_message->clear();
     }
     ReleaseSRWLockExclusive(&g_lock);
 }
@@ -105,10 +106,15 @@ HRESULT ReportToUser(const StatusError& error) noexcept {
     return Report(error);
 }
 
+void ForgetMessage() noexcept {
+    delete std::exchange(g_message, nullptr);
+}
+
 HRESULT LastMessage(BSTR* text) noexcept {
     if (text == nullptr) return E_POINTER;
     AcquireSRWLockShared(&g_lock);
-    *text = SysAllocStringLen(g_message.data(), static_cast<UINT>(g_message.size()));
+    *text = g_message == nullptr ? SysAllocString(L"")
+                                 : SysAllocStringLen(g_message->data(), static_cast<UINT>(g_message->size()));
     ReleaseSRWLockShared(&g_lock);
     return *text == nullptr ? E_OUTOFMEMORY : S_OK;
 }

@@ -36,6 +36,8 @@ HRESULT Report(const StatusError& error) noexcept;
 // Idem, and traces it at severity 2.
 HRESULT ReportToUser(const StatusError& error) noexcept;
 HRESULT LastMessage(BSTR* text) noexcept;
+// When the module is unloaded: nothing else of it runs any more.
+void ForgetMessage() noexcept;
 
 // The translator at the edge of the DLL.
 template <class Body>

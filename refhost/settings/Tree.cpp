@@ -17,6 +17,10 @@ std::string Quoted(std::u16string_view name) {
     return "\"" + Utf8From(name.substr(0, kShown)) + (name.size() > kShown ? "...\"" : "\"");
 }
 
+std::u16string_view NameOf(const Member& member) {
+    return member.name;
+}
+
 void CheckNewName(std::u16string_view name) {
     if (name.empty()) throw StoreError(Failure::kBadName, "A setting cannot have an empty name.");
     if (name.size() > kMaxNameLength) {
@@ -52,7 +56,7 @@ int Node::Height() const {
 
 Node::Position Node::Locate(std::u16string_view name) const {
     auto& members = const_cast<Node*>(this)->m_members;
-    if (m_index.empty()) return std::ranges::find(members, name, &Member::name);
+    if (m_index.empty()) return std::ranges::find(members, name, &NameOf);
     const auto found = m_index.find(name);
     return found == m_index.end() ? members.end() : found->second;
 }
@@ -71,8 +75,8 @@ void Node::ThrowWrongKind(std::u16string_view name) {
     throw StoreError(Failure::kWrongKind, "The setting " + Quoted(name) + " is of another kind.");
 }
 
-Node::Position Node::Add(std::u16string name, Content content) {
-    const auto added = m_members.insert(m_members.end(), Member{std::move(name), std::move(content)});
+Node::Position Node::Add(std::u16string_view name, Content content) {
+    const auto added = m_members.emplace(m_members.end(), MemberName(name), std::move(content));
     try {
         if (!m_index.empty()) {
             m_index.emplace(added->name, added);
@@ -97,7 +101,7 @@ void Node::SetValue(std::u16string_view name, Content value) {
     const auto position = Locate(name);
     if (position == m_members.end()) {
         CheckNewName(name);
-        Add(std::u16string(name), std::move(value));
+        Add(name, std::move(value));
         return;
     }
     if (position->SubNode() != nullptr) ThrowWrongKind(name);
@@ -113,7 +117,7 @@ NodePtr Node::Child(std::u16string_view name) {
     CheckNewName(name);
     CheckDepth(m_depth + 1);
     auto child = std::make_shared<Node>(m_depth + 1);
-    Add(std::u16string(name), child);
+    Add(name, child);
     return child;
 }
 
@@ -125,9 +129,9 @@ void Node::RemoveChild(std::u16string_view name) {
     Erase(position);
 }
 
-bool Node::Append(std::u16string name, Content content) {
+bool Node::Append(std::u16string_view name, Content content) {
     if (Locate(name) != m_members.end()) return false;
-    Add(std::move(name), std::move(content));
+    Add(name, std::move(content));
     return true;
 }
 
@@ -156,14 +160,12 @@ void Node::Merge(Node& source) {
 }
 
 void Node::MergeMembers(Node& source) {
-    // It looks into the names, which move now.
-    source.m_index.clear();
     for (Member& member : source.m_members) {
         const auto* node = std::get_if<NodePtr>(&member.content);
         if (node != nullptr) (*node)->MoveTo(m_depth + 1);
         const auto position = Locate(member.name);
         if (position == m_members.end()) {
-            Add(std::move(member.name), std::move(member.content));
+            Add(member.name, std::move(member.content));
         } else if (node != nullptr && position->SubNode() != nullptr) {
             std::get<NodePtr>(position->content)->MergeMembers(**node);
         } else {

@@ -3,6 +3,7 @@
 // many thousand area sets needs it.
 
 #include <cstdint>
+#include <iterator>
 #include <list>
 #include <memory>
 #include <string>
@@ -28,8 +29,25 @@ struct RawJson {
 
 using Content = std::variant<std::u16string, int64_t, bool, RawJson, NodePtr>;
 
+// Names as long as those of coordinates are kept inside: there can be millions of them.
+class MemberName {
+public:
+    explicit MemberName(std::u16string_view text) : m_size(text.size()) {
+        if (m_size > std::size(m_short)) m_long = std::make_unique<char16_t[]>(m_size);
+        text.copy(m_long ? m_long.get() : m_short, m_size);
+    }
+    operator std::u16string_view() const { return {m_long ? m_long.get() : m_short, m_size}; }
+    size_t size() const { return m_size; }
+    bool operator==(std::u16string_view text) const { return std::u16string_view(*this) == text; }
+
+private:
+    size_t m_size;
+    std::unique_ptr<char16_t[]> m_long;
+    char16_t m_short[16];
+};
+
 struct Member {
-    std::u16string name;
+    MemberName name;
     Content content;
     // The sub-node of this name, or null for a value.
     const Node* SubNode() const;
@@ -63,7 +81,7 @@ public:
     void RemoveChild(std::u16string_view name);
 
     // Puts a member last, as it is read from a file: any name, no check but for one that is there already (false).
-    bool Append(std::u16string name, Content content);
+    bool Append(std::u16string_view name, Content content);
 
     void Clear();
     // Exchanges the members with a node of the same depth.
@@ -80,7 +98,7 @@ private:
     const Content& Existing(std::u16string_view name) const;
     [[noreturn]] static void ThrowWrongKind(std::u16string_view name);
     Position Locate(std::u16string_view name) const;
-    Position Add(std::u16string name, Content content);
+    Position Add(std::u16string_view name, Content content);
     void Erase(Position position);
     void MergeMembers(Node& source);
     void MoveTo(int depth);

@@ -11,7 +11,7 @@ namespace {
 
 using OwnReference = _com_ptr_t<_com_IIID<IOwnNode, &__uuidof(IOwnNode)>>;
 
-const wchar_t* Wide(const std::u16string& text) {
+const wchar_t* Wide(std::u16string_view text) {
     static_assert(sizeof(wchar_t) == sizeof(char16_t));
     return reinterpret_cast<const wchar_t*>(text.data());
 }

@@ -37,7 +37,8 @@ public:
     SubNodeNames GetSubNodeNames() override {
         std::vector<std::wstring> names;
         for (const settings::Member& member : m_node->Members()) {
-            if (member.SubNode() != nullptr) names.emplace_back(member.name.begin(), member.name.end());
+            const std::u16string_view name = member.name;
+            if (member.SubNode() != nullptr) names.emplace_back(name.begin(), name.end());
         }
         const auto count = static_cast<int64_t>(names.size());
         return {std::move(names), count};
