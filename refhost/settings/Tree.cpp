@@ -76,7 +76,7 @@ void Node::ThrowWrongKind(std::u16string_view name) {
 }
 
 Node::Position Node::Add(std::u16string_view name, Content content) {
-    const auto added = m_members.emplace(m_members.end(), MemberName(name), std::move(content));
+    const auto added = m_members.insert(m_members.end(), Member{MemberName(name), std::move(content)});
     try {
         if (!m_index.empty()) {
             m_index.emplace(added->name, added);
