@@ -219,13 +219,21 @@ private:
     };
 
     // False when a code is none. Behind the end stand zeros, which decode to anything: the caller has to look.
-    bool Decode(BitReader& bits) {
+    bool Decode(BitReader& reader) {
+        // What is written are bytes, which could be anything's: members would be read anew for each.
+        BitReader bits = reader;
+        const bool good = Decode(bits, m_all.get(), m_total, m_strings.data(), m_old);
+        reader = bits;
+        return good;
+    }
+
+    static bool Decode(BitReader& bits, uint8_t* all, const size_t total, String* strings, const bool old) {
         uint32_t known = kFirst;
         uint32_t width = 9;
         String last = {0, 0};
         size_t done = 0;
-        while (done < m_total) {
-            const uint32_t code = Take(bits, width);
+        while (done < total) {
+            const uint32_t code = Take(bits, width, old);
             if (code == kClear) {
                 known = kFirst;
                 width = 9;
@@ -234,20 +242,20 @@ private:
             }
             if (code == kEnd) throw BadPiece{kEndsEarly};
             if (last.length > 0 && known < kMost) {
-                m_strings[known++] = {last.at, last.length + 1};
+                strings[known++] = {last.at, last.length + 1};
                 // Codes become longer when the next entry needs it; in the newer form one entry earlier.
-                if (known + (m_old ? 0 : 1) >= uint32_t{1} << width && width < 12) ++width;
+                if (known + (old ? 0 : 1) >= uint32_t{1} << width && width < 12) ++width;
             }
             if (code > kEnd && code >= known) return false;
             const auto at = static_cast<uint32_t>(done);
             if (code < kClear) {
-                m_all[done++] = static_cast<uint8_t>(code);
+                all[done++] = static_cast<uint8_t>(code);
                 last = {at, 1};
                 continue;
             }
-            const String string = m_strings[code];
-            const size_t count = std::min<size_t>(string.length, m_total - done);
-            Copy(m_all.get() + done, m_all.get() + string.at, count);
+            const String string = strings[code];
+            const size_t count = std::min<size_t>(string.length, total - done);
+            Copy(all + done, all + string.at, count);
             last = {at, string.length};
             done += count;
         }
@@ -256,17 +264,15 @@ private:
 
     // The string that was made last ends in its own first byte, which is written here; all others lie in front.
     static void Copy(uint8_t* to, const uint8_t* from, size_t count) {
-        const bool whole = from + count <= to;
-        const size_t front = whole ? count : count - 1;
-        for (size_t i = 0; i < front; i += 8) std::memcpy(to + i, from + i, 8);
-        if (!whole) to[count - 1] = to[0];
+        for (size_t i = 0; i < count; i += 8) std::memcpy(to + i, from + i, 8);
+        if (from + count > to) to[count - 1] = to[0];
     }
 
-    uint32_t Take(BitReader& bits, uint32_t width) const {
+    static uint32_t Take(BitReader& bits, uint32_t width, bool old) {
         bits.FillBelow(12);
         uint32_t code = bits.Peek(width);
         bits.Skip(width);
-        if (!m_old) return code;
+        if (!old) return code;
         uint32_t turned = 0;
         for (; width > 0; --width, code >>= 1) turned = turned << 1 | (code & 1);
         return turned;
