@@ -101,7 +101,7 @@ uint32_t OnPaper(uint32_t argb) {
     if (alpha == 255) return argb & kWhite;
     uint32_t result = 0;
     for (const int shift : {0, 8, 16}) {
-        result |= ((Channel(argb, shift) * alpha + 255 * (255 - alpha) + 127) / 255) << shift;
+        result |= uint32_t{OverWhite(Channel(argb, shift), alpha)} << shift;
     }
     return result;
 }

@@ -71,6 +71,10 @@ private:
 std::vector<uint32_t> GreyPalette();
 std::vector<uint32_t> BlackWhitePalette();
 
+// A channel of a colour with an alpha channel as it looks on white paper.
+constexpr uint8_t OverWhite(uint32_t colour, uint32_t alpha) {
+    return static_cast<uint8_t>((colour * alpha + 255 * (255 - alpha) + 127) / 255);
+}
 // A colour with an alpha channel as it looks on white paper; 0xAARRGGBB to 0x00RRGGBB.
 uint32_t OnPaper(uint32_t argb);
 

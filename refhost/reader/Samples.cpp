@@ -76,10 +76,6 @@ __attribute__((target("ssse3"))) uint32_t SwapEnds(const uint8_t* from, uint32_t
     return x;
 }
 
-uint8_t OverWhite(uint32_t colour, uint32_t alpha) {
-    return static_cast<uint8_t>((colour * alpha + 255 * (255 - alpha) + 127) / 255);
-}
-
 // Colours that were multiplied by their alpha before.
 uint8_t PremultipliedOverWhite(uint32_t colour, uint32_t alpha) {
     return static_cast<uint8_t>(std::min(255U, colour + 255 - alpha));
