@@ -50,9 +50,8 @@ CZonwickApp::~CZonwickApp() {
 
 void CZonwickApp::InitInstance(HINSTANCE instance) {
     trace::SetTraceInstance(instance);
-    const HINSTANCE resources = CLang::GetResourceHandle(instance);
-    CLogBase::InitImpl(L"", instance, resources);
-    win32::SetInstances(instance, resources);
+    CLogBase::InitImpl(L"", instance, CLang::GetResourceHandle(instance));
+    win32::SetInstances(instance, CLang::GetResourceHandle(instance));
     if (const wchar_t* name = HostApplicationName()) m_applicationName = name;
 }
 
