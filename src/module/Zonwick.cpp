@@ -5,6 +5,7 @@
 #include "module/ZonwickApp.h"
 #include "resource.h"
 #include "trace/Trace.h"
+#include "win32/Resources.h"
 #include "zonwick/zonwick.h"
 
 static_assert(SA_AREAS_IGNORED == kAreasIgnored);
@@ -43,6 +44,7 @@ BOOL FillInfo(const CAreaSet& set, SAAreaInfo& info) {
 }
 
 void Init(IUnknown* pHost) {
+    const win32::ResourceScope resources;  // the host's objects are made in it
     if (GetApp().IsDialogOpen()) {
         trace::TraceText(trace::kDiagnostic, kSource, __LINE__, L"SAInit: a dialog is open, nothing was changed.");
         return;
