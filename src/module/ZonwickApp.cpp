@@ -52,7 +52,7 @@ void CZonwickApp::InitInstance(HINSTANCE instance) {
     trace::SetTraceInstance(instance);
     CLogBase::InitImpl(L"", instance, CLang::GetResourceHandle(instance));
     win32::SetInstances(instance, CLang::GetResourceHandle(instance));
-    if (const wchar_t* name = HostApplicationName()) m_applicationName = name;
+    if (const wchar_t* name = HostApplicationName()) win32::SetApplicationName(name);
 }
 
 void CZonwickApp::Abandon() noexcept {

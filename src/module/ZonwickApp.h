@@ -63,8 +63,6 @@ public:
     void DialogClosed() { --m_openDialogs; }
     bool IsDialogOpen() const { return m_openDialogs > 0; }
 
-    const std::wstring& GetApplicationName() const { return m_applicationName; }
-
 private:
     static bool CopyPageImage(IQuirePage* page, IPageImage* image);
     // A new object of a host class with one reference for the caller; null, and its class traced, when there is none.
@@ -77,7 +75,6 @@ private:
     int32_t m_nDefaultPage = 0;
 
     int m_openDialogs = 0;
-    std::wstring m_applicationName;
 };
 
 // The module object and the manager of all area sets. The manager is the older and lives longer.

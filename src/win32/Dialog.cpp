@@ -239,7 +239,8 @@ bool CDialog::UpdateData(bool save) {
         return true;
     } catch (const DataRefused& refused) {
         OnDataRefused(refused.id);
-        HostMessageBox(GetSafeHwnd(), refused.text.c_str(), MB_OK | MB_ICONEXCLAMATION);
+        // The one box of the module's own; all others are the host's.
+        MessageBoxW(GetSafeHwnd(), refused.text.c_str(), win32::ApplicationName().c_str(), MB_OK | MB_ICONEXCLAMATION);
         const HWND control = GetDlgItem(refused.id);
         SendMessage(WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
         ::SendMessageW(control, EM_SETSEL, 0, -1);
