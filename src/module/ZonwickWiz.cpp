@@ -118,13 +118,15 @@ bool CZonwickApp::CopyPageImage(IQuirePage* page, IPageImage* image) {
     }
     SAFEARRAY* bytes = nullptr;
     CallHost(data.GetInterfacePtr(), &IImageData::GetBytes, &bytes);
+    // Given back in the opposite order: the host's array, the copy, the loader.
+    IImageLoaderPtr loader;
+    std::unique_ptr<BYTE[]> copy;
     ByteArray array(bytes);
     const LONG length = array.Lock();
-    const std::unique_ptr<BYTE[]> copy(new (std::nothrow) BYTE[static_cast<size_t>(length)]);
+    copy.reset(new (std::nothrow) BYTE[static_cast<size_t>(length)]);
     if (copy == nullptr) return false;
     if (length > 0) std::memcpy(copy.get(), array.Data(), static_cast<size_t>(length));
 
-    IImageLoaderPtr loader;
     if (FAILED(image->QueryInterface(__uuidof(IImageLoader), reinterpret_cast<void**>(&loader)))) return false;
     return loader && SUCCEEDED(loader->LoadFromMemory(copy.get(), length));
 }
