@@ -129,7 +129,7 @@ void CSAPaperSizeDlg::OnOK() {
     const win32::HostUnits units;
     const LONG customWidth = units.FromUserUnits(choice.custom.fWidth);
     const LONG customHeight = units.FromUserUnits(choice.custom.fHeight);
-    const UserPageSize size = GetEffectiveSize(choice, units.IsMetric());
+    const UserPageSize size = GetEffectiveSize(choice, choice.standard && units.IsMetric());
     const LONG realWidth = units.FromUserUnits(size.fWidth);
     const LONG realHeight = units.FromUserUnits(size.fHeight);
 
