@@ -74,12 +74,10 @@ void CSAMgrConfigDlg::FillList() {
                         client.right - client.left - GetSystemMetrics(SM_CXHTHUMB));
     {
         const win32::RedrawOff redrawOff(m_list);
-        const CSystemLock lock = m_pManager->Lock();  // once, not for each set
-        const int32_t count = m_pManager->GetCount();
-        m_list.SendMessage(LVM_SETITEMCOUNT, static_cast<WPARAM>(count));
-        for (int32_t i = 0; i < count; ++i) {
-            const CAreaSet* set = m_pManager->GetAreaSet(i);
-            m_list.InsertItem(i, set->GetName(), static_cast<LPARAM>(set->GetID()));
+        const auto sets = m_pManager->GetNames();  // others get the lock while the list is filled
+        m_list.SendMessage(LVM_SETITEMCOUNT, sets.size());
+        for (const auto& [dwID, name] : sets) {
+            m_list.InsertItem(m_list.GetItemCount(), name, static_cast<LPARAM>(dwID));
         }
     }
     m_list.SetFocus();

@@ -122,6 +122,14 @@ int32_t CAreaSetManager::GetCount() {
     return static_cast<int32_t>(m_arrSets.size());
 }
 
+std::vector<std::pair<uint32_t, std::wstring>> CAreaSetManager::GetNames() {
+    const CSystemLock lock(m_mutex);
+    std::vector<std::pair<uint32_t, std::wstring>> names;
+    names.reserve(m_arrSets.size());
+    for (const auto& set : m_arrSets) names.emplace_back(set->GetID(), set->GetName());
+    return names;
+}
+
 bool CAreaSetManager::RemoveSet(uint32_t dwID) {
     const CSystemLock lock(m_mutex);
     if (!MayChange()) return false;
