@@ -26,6 +26,13 @@ WidthsSetting GetWidthsSetting(bool indexing) {
     return {L"ColumnsWidth", L"[%]250,250,250,250"};
 }
 
+// "52.5, 74.2", with the host asked in this order.
+std::wstring FormatPair(LONG first, LONG second) {
+    const win32::HostUnits units;
+    std::wstring text = units.FormatValue(first);
+    return text += L", " + units.FormatValue(second);
+}
+
 class Menu {
 public:
     explicit Menu(UINT id) : m_menu(LoadMenuW(win32::FindResourceInstance(RT_MENU, id), MAKEINTRESOURCEW(id))) {}
@@ -88,8 +95,7 @@ void CSASetConfigDlg::SetPage(const IPageImagePtr& page) {
     m_pFolium->ShowPage(page, &unused);
     m_pPage = page;
     const SIZE size = GetPageSize();
-    const win32::HostUnits units;
-    SetDlgItemText(IDC_CONFIG_SIZE, units.FormatValue(size.cx) + L", " + units.FormatValue(size.cy));
+    SetDlgItemText(IDC_CONFIG_SIZE, FormatPair(size.cx, size.cy));
     SetDlgItemText(IDC_CONFIG_POSITION, L"0, 0");
     m_foliumCtrl.RedrawNow();
 }
@@ -134,8 +140,7 @@ void CSASetConfigDlg::OnPrevPage() {
 void CSASetConfigDlg::OnPointerMoved(LONG x, LONG y) {
     POINT offset = {};
     m_pFolium->GetPositionOffset(&offset);
-    const win32::HostUnits units;
-    SetDlgItemText(IDC_CONFIG_POSITION, units.FormatValue(x + offset.x) + L", " + units.FormatValue(y + offset.y));
+    SetDlgItemText(IDC_CONFIG_POSITION, FormatPair(x + offset.x, y + offset.y));
 }
 
 void CSASetConfigDlg::OnContextMenuRequested(LONG, LONG x, LONG y) {
