@@ -2,11 +2,9 @@
 
 #include <cstddef>
 
-namespace {
+#include "host/WhiteSpace.h"
 
-bool IsSpace(wchar_t c) {
-    return c == L' ' || (c >= L'\t' && c <= L'\r');
-}
+namespace {
 
 int HexDigit(wchar_t c) {
     if (c >= L'0' && c <= L'9') return c - L'0';
@@ -27,7 +25,7 @@ std::wstring MakeSetKey(uint32_t dwID) {
 uint32_t ParseSetKey(const std::wstring& key) {
     // The terminator is no digit, so no position needs a bounds check.
     const wchar_t* p = key.c_str();
-    while (IsSpace(*p)) ++p;
+    while (host::IsSpace(*p)) ++p;
     const bool negative = *p == L'-';
     if (*p == L'-' || *p == L'+') ++p;
     if (p[0] == L'0' && (p[1] == L'x' || p[1] == L'X') && HexDigit(p[2]) >= 0) p += 2;
