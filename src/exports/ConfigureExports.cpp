@@ -92,9 +92,7 @@ BOOL ConfigureSet(HWND hParent, DWORD dwID) {
 // The host's Begin, and its End whatever happens in between. A failing End is traced: the work is done by then.
 class HostScope {
 public:
-    explicit HostScope(IConfigHost* host) {
-        const HRESULT status = host->QueryInterface(__uuidof(IConfigScope), reinterpret_cast<void**>(&m_scope));
-        if (FAILED(status) && status != E_NOINTERFACE) win32::ThrowHostError(status, __uuidof(IConfigScope));
+    explicit HostScope(IConfigHost* host) : m_scope(win32::QueryHost<IConfigScope>(host)) {
         CallHost(m_scope.GetInterfacePtr(), &IConfigScope::Begin);
     }
     ~HostScope() {

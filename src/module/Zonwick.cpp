@@ -54,12 +54,7 @@ void Init(IUnknown* pHost) {
                          L"SAInit: the sets are being loaded or stored, nothing was changed.");
         return;
     }
-    ISettingsNodePtr node;
-    if (pHost != nullptr) {
-        const HRESULT status = pHost->QueryInterface(__uuidof(ISettingsNode), reinterpret_cast<void**>(&node));
-        if (FAILED(status) && status != E_NOINTERFACE) win32::ThrowHostError(status, __uuidof(ISettingsNode));
-    }
-    GetApp().SetHostSettings(node);
+    GetApp().SetHostSettings(pHost == nullptr ? ISettingsNodePtr() : win32::QueryHost<ISettingsNode>(pHost));
 }
 
 }  // namespace

@@ -113,8 +113,7 @@ bool CZonwickApp::CopyPageImage(IQuirePage* page, IPageImage* image) {
         IUnknownPtr unknown;
         CallHost(source.GetInterfacePtr(), &IImageSource::GetData, &unknown);
         if (!unknown) win32::ThrowHostError(E_POINTER, __uuidof(IImageSource));
-        const HRESULT status = unknown->QueryInterface(__uuidof(IImageData), reinterpret_cast<void**>(&data));
-        if (FAILED(status) && status != E_NOINTERFACE) win32::ThrowHostError(status, __uuidof(IImageData));
+        data = win32::QueryHost<IImageData>(unknown);
     }
     SAFEARRAY* bytes = nullptr;
     CallHost(data.GetInterfacePtr(), &IImageData::GetBytes, &bytes);
