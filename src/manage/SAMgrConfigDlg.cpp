@@ -2,9 +2,9 @@
 #include "manage/SAMgrConfigDlg.h"
 
 #include "host/Controls.h"
-#include "host/Support.h"
 #include "manage/PageSettings.h"
 #include "manage/SAPaperSizeDlg.h"
+#include "module/Report.h"
 #include "resource.h"
 #include "trace/Trace.h"
 #include "win32/Failure.h"
@@ -54,9 +54,7 @@ bool CSAMgrConfigDlg::OnInitDialog() {
         StopInitialisation(IDS_MANAGE_NO_PREVIEW);
         return false;
     }
-    // A load that failed is reported as such once only; what it left behind is not all.
-    if (!m_pManager->LoadSettings() || !m_pManager->WasLastLoadComplete()) {
-        trace::TraceStringId(trace::kError, kSource, __LINE__, IDS_ERR_READ_SETTINGS);
+    if (!module::LoadSets(*m_pManager, kSource, __LINE__, true)) {
         StopInitialisation(IDS_MANAGE_NOT_READ);
         return false;
     }
@@ -174,7 +172,7 @@ void CSAMgrConfigDlg::TellFailure(UINT text, int line) {
         // Loggers look strings up in the translation, and need not know where to go on.
         trace::TraceText(trace::kError, kSource, line, L"%ls", win32::LoadText(text).c_str());
     }
-    QWMessageBoxExW(GetSafeHwnd(), nullptr, nullptr, MB_ICONERROR, 0, 0, 0, win32::ModuleInstance());
+    module::ShowFailure(GetSafeHwnd());
 }
 
 // Nothing goes to the host unless all of it was stored; the dialog stays for another try.

@@ -2,8 +2,8 @@
 #include <cwchar>
 
 #include "module/ExportGuard.h"
+#include "module/Report.h"
 #include "module/ZonwickApp.h"
-#include "resource.h"
 #include "trace/Trace.h"
 #include "win32/Resources.h"
 #include "zonwick/zonwick.h"
@@ -16,9 +16,7 @@ namespace {
 constexpr const char* kSource = "Zonwick";
 
 bool LoadSets() {
-    if (GetAreaSetManager()->LoadSettings()) return true;
-    trace::TraceStringId(trace::kError, kSource, __LINE__, IDS_ERR_READ_SETTINGS);
-    return false;
+    return module::LoadSets(*GetAreaSetManager(), kSource, __LINE__);
 }
 
 // True when the pointer that the caller has to give is there.
