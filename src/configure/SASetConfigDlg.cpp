@@ -192,7 +192,7 @@ void CSASetConfigDlg::SetDisplayOptions() {
 
 bool CSASetConfigDlg::ShowScannedPage() {
     ComSettingsNode node(GetApp().GetSettingsNode());
-    if (!win32::ReadOr(kDefaultPageScanned, [&] { return node.GetBool(kKeyPageScanned); })) return false;
+    if (!pagesettings::ReadScanned(node)) return false;
     uint32_t flags = kNoWayOn;
     IPageImagePtr page;
     if (!GetPage(flags, page)) return false;
@@ -203,11 +203,7 @@ bool CSASetConfigDlg::ShowScannedPage() {
 
 void CSASetConfigDlg::ShowBlankPage() {
     ComSettingsNode node(GetApp().GetSettingsNode());
-    const auto read = [&](const wchar_t* key, int32_t fallback) {
-        return win32::ReadOr(fallback, [&] { return node.GetInt64(key); });
-    };
-    const int32_t width = read(kKeyRealWidth, kDefaultRealWidth);
-    const int32_t height = read(kKeyRealHeight, kDefaultRealHeight);
+    const SIZE size = pagesettings::ReadSize(node);
     // Without any page the dialog can be looked at and left, and OK changes nothing.
     IPageImagePtr page;
     try {
@@ -215,8 +211,8 @@ void CSASetConfigDlg::ShowBlankPage() {
         win32::CheckHost(CoCreateInstance(host::kClsidPageImage, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IImageLoader),
                                           reinterpret_cast<void**>(&loader)),
                          __uuidof(IImageLoader));
-        CallHost(loader.GetInterfacePtr(), &IImageLoader::CreateBlank, LONG{width}, LONG{height}, kBlankResolution,
-                 kBlankResolution, LONG{0});
+        CallHost(loader.GetInterfacePtr(), &IImageLoader::CreateBlank, size.cx, size.cy, kBlankResolution, kBlankResolution,
+                 LONG{0});
         win32::CheckHost(loader->QueryInterface(host::kIidBlankPageImage, reinterpret_cast<void**>(&page)),
                          host::kIidBlankPageImage);
     } catch (const _com_error&) {

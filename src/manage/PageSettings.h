@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "store/ComSettingsNode.h"
+
 inline constexpr const wchar_t* kKeyPageFormat = L"PageFormat";         // identifier in kPaperSizes
 inline constexpr const wchar_t* kKeyPagePortrait = L"RadioPageOrient";  // true: portrait
 inline constexpr const wchar_t* kKeyPageStandard = L"RadioPageType";    // true: a standard size
@@ -21,3 +23,24 @@ inline constexpr int32_t kDefaultCustomHeight = 2969;
 inline constexpr int32_t kDefaultRealWidth = 2100;
 inline constexpr int32_t kDefaultRealHeight = 2970;
 inline constexpr bool kDefaultPageScanned = true;
+
+namespace pagesettings {
+
+inline int32_t ReadInteger(ComSettingsNode& node, const wchar_t* key, int32_t fallback) {
+    return win32::ReadOr(fallback, [&] { return node.GetInt64(key); });
+}
+inline bool ReadBool(ComSettingsNode& node, const wchar_t* key, bool fallback) {
+    return win32::ReadOr(fallback, [&] { return node.GetBool(key); });
+}
+
+// The size in effect.
+inline SIZE ReadSize(ComSettingsNode& node) {
+    const LONG width = ReadInteger(node, kKeyRealWidth, kDefaultRealWidth);
+    return {width, ReadInteger(node, kKeyRealHeight, kDefaultRealHeight)};
+}
+// Whether pages come from scanned documents.
+inline bool ReadScanned(ComSettingsNode& node) {
+    return ReadBool(node, kKeyPageScanned, kDefaultPageScanned);
+}
+
+}  // namespace pagesettings

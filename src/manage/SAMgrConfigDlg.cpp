@@ -90,8 +90,7 @@ void CSAMgrConfigDlg::InitializePageSource() {
         return;
     }
     ComSettingsNode node(GetApp().GetSettingsNode());
-    const bool scanned = win32::ReadOr(kDefaultPageScanned, [&] { return node.GetBool(kKeyPageScanned); });
-    CheckDlgButton(scanned ? IDC_MANAGE_SCANNED : IDC_MANAGE_PAGE_SIZE, true);
+    CheckDlgButton(pagesettings::ReadScanned(node) ? IDC_MANAGE_SCANNED : IDC_MANAGE_PAGE_SIZE, true);
     UpdateSettingsButton();
 }
 
@@ -144,13 +143,10 @@ void CSAMgrConfigDlg::OnSettings() {
     const int item = GetCurrentItem();
     if (item < 0) return;
     ComSettingsNode node(settings());
-    const auto read = [&](const wchar_t* key, int32_t fallback) {
-        return win32::ReadOr(fallback, [&] { return node.GetInt64(key); });
-    };
-    const PageRect size = {0, 0, read(kKeyRealWidth, kDefaultRealWidth), read(kKeyRealHeight, kDefaultRealHeight)};
+    const SIZE size = pagesettings::ReadSize(node);
     CAreaSet* set = m_pManager->GetAreaSet(GetItemID(item));  // behind the host's calls, which may let it go
     if (set == nullptr) return;
-    set->SetDisplayRect(size);
+    set->SetDisplayRect({0, 0, size.cx, size.cy});
     UpdatePreviewControl(item);
     UpdateSizeLabel();
 }

@@ -10,13 +10,8 @@ constexpr float kSmallestSize = 0.0F;
 constexpr float kLargestSize = 1500.0F;
 constexpr int kPositionOfA4 = 1;
 
-int32_t ReadInteger(ComSettingsNode& node, const wchar_t* key, int32_t fallback) {
-    return win32::ReadOr(fallback, [&] { return node.GetInt64(key); });
-}
-
-bool ReadBool(ComSettingsNode& node, const wchar_t* key, bool fallback) {
-    return win32::ReadOr(fallback, [&] { return node.GetBool(key); });
-}
+using pagesettings::ReadBool;
+using pagesettings::ReadInteger;
 
 }  // namespace
 
