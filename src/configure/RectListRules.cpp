@@ -48,8 +48,8 @@ std::wstring RemovedFields::TakeBack(uint32_t rectId, const std::vector<std::wst
 }
 
 std::optional<Zoom> GetZoom(int64_t command) {
-    if (command < kFirstScaleCommand) return std::nullopt;
-    auto index = static_cast<uint64_t>(command) - kFirstScaleCommand;
+    if (command < ID_SCALE_FIRST) return std::nullopt;
+    auto index = static_cast<uint64_t>(command) - ID_SCALE_FIRST;
     if (index < kScalePercents.size()) return Zoom{ZoomMode::kPercent, kScalePercents[index]};
     index -= kScalePercents.size();
     if (index < kFittingModes.size()) return Zoom{kFittingModes[index], 0};
@@ -57,7 +57,7 @@ std::optional<Zoom> GetZoom(int64_t command) {
 }
 
 uint32_t GetStartScaleCommand(int64_t stored) {
-    return GetZoom(stored) ? static_cast<uint32_t>(stored) : kWholePageCommand;
+    return GetZoom(stored) ? static_cast<uint32_t>(stored) : ID_SCALE_WHOLE_PAGE;
 }
 
 }  // namespace rectlist

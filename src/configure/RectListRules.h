@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "model/PageRect.h"
+#include "module/NavigationFlags.h"
+#include "resource.h"
 
 namespace rectlist {
 
@@ -47,10 +49,10 @@ struct NavigationButton {
 };
 // In the order in which the buttons are set.
 inline constexpr std::array<NavigationButton, 4> kNavigationButtons = {{
-    {1, 27775},  // previous page
-    {2, 27777},  // next page
-    {4, 27772},  // previous document
-    {8, 27774},  // next document
+    {NAV_NO_PREV_PAGE, IDC_CONFIG_PREV_PAGE},
+    {NAV_NO_NEXT_PAGE, IDC_CONFIG_NEXT_PAGE},
+    {NAV_NO_PREV_DOC, IDC_CONFIG_PREV_DOC},
+    {NAV_NO_NEXT_DOC, IDC_CONFIG_NEXT_DOC},
 }};
 
 enum class ZoomMode : int32_t { kPageHeight, kPageWidth, kWholePage, kPercent };
@@ -60,8 +62,6 @@ struct Zoom {
     bool operator==(const Zoom&) const = default;
 };
 
-inline constexpr uint32_t kFirstScaleCommand = 27786;
-inline constexpr uint32_t kWholePageCommand = 27793;
 inline constexpr std::array<int32_t, 7> kScalePercents = {20, 40, 60, 80, 100, 150, 200};
 
 // What a command of the "Scale" menu sets; nothing for other commands.

@@ -99,7 +99,7 @@ private:
     IPageImagePtr m_pPage;
     AreaColors m_colors;
     bool m_bSmooth = true;
-    UINT m_nScaleCmd = rectlist::kWholePageCommand;
+    UINT m_nScaleCmd = ID_SCALE_WHOLE_PAGE;
     std::wstring m_strColumnWidths;
     std::vector<std::wstring> m_indexFields;
     std::map<std::wstring, PageRect> m_fieldRects;

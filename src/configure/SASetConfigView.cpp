@@ -179,7 +179,7 @@ bool CSASetConfigDlg::LoadViewSettings() {
     m_bSmooth = !win32::ReadOr(true, [&] { return node.GetBool(kKeySmooth); });
     SendMessage(WM_COMMAND, ID_SMOOTH_IMAGES);
 
-    const auto scale = win32::ReadOr(int64_t{rectlist::kWholePageCommand}, [&] { return node.GetInt64(kKeyScale); });
+    const auto scale = win32::ReadOr(int64_t{ID_SCALE_WHOLE_PAGE}, [&] { return node.GetInt64(kKeyScale); });
     SendMessage(WM_COMMAND, rectlist::GetStartScaleCommand(scale));
 
     const WidthsSetting widths = GetWidthsSetting(IsIndexing());

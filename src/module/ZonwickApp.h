@@ -5,19 +5,12 @@
 
 #include "host/DocumentStack.h"
 #include "host/PageImage.h"
+#include "module/NavigationFlags.h"
 #include "store/AreaSetManager.h"
 #include "store/ComSettingsNode.h"
 
 _COM_SMARTPTR_TYPEDEF(IQuire, __uuidof(IQuire));
 _COM_SMARTPTR_TYPEDEF(IPageImage, __uuidof(IPageImage));
-
-// Where a page lies in the document stack: which ways on are closed.
-enum NavigationFlag : uint32_t {
-    NAV_NO_PREV_PAGE = 1,
-    NAV_NO_NEXT_PAGE = 2,
-    NAV_NO_PREV_DOC = 4,
-    NAV_NO_NEXT_DOC = 8,
-};
 
 // Used on the host's window thread, without a lock.
 class CZonwickApp {
