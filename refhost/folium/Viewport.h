@@ -3,11 +3,10 @@
 
 #include <cstdint>
 
+#include "host/FoliumZoom.h"
 #include "refhost/folium/Geometry.h"
 
 namespace folium {
-
-enum class ZoomMode : int32_t { PageHeight = 0, PageWidth = 1, WholePage = 2, Percent = 3 };
 
 class Viewport {
 public:
@@ -20,7 +19,7 @@ public:
     void SetWindow(int width, int height, int verticalBar, int horizontalBar);
     void SetDpi(int dpi);
     // False for a mode or a percentage that there is not; 100 % is the page at its own size on this device.
-    bool SetZoom(ZoomMode mode, int32_t percent);
+    bool SetZoom(FoliumZoomMode mode, int32_t percent);
     // Multiplies the zoom; the place of the page under the position stays there.
     void ZoomAround(double factor, int x, int y);
 
@@ -84,7 +83,7 @@ private:
     double MiddleOf(const Axis& axis) const;
 
     Size m_page;
-    ZoomMode m_mode = ZoomMode::WholePage;
+    FoliumZoomMode m_mode = kFoliumZoomWholePage;
     double m_percent = 100;
     int m_dpi = 96;
     double m_scale = 96 / 254.0;  // pixels per unit

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "host/FoliumZoom.h"
 #include "model/PageRect.h"
 #include "module/NavigationFlags.h"
 #include "resource.h"
@@ -55,17 +56,10 @@ inline constexpr std::array<NavigationButton, 4> kNavigationButtons = {{
     {NAV_NO_NEXT_DOC, IDC_CONFIG_NEXT_DOC},
 }};
 
-enum class ZoomMode : int32_t { kPageHeight, kPageWidth, kWholePage, kPercent };
-struct Zoom {
-    ZoomMode mode;
-    int32_t percent;  // 0 unless the mode is kPercent
-    bool operator==(const Zoom&) const = default;
-};
-
 inline constexpr std::array<int32_t, 7> kScalePercents = {20, 40, 60, 80, 100, 150, 200};
 
-// What a command of the "Scale" menu sets; nothing for other commands.
-std::optional<Zoom> GetZoom(int64_t command);
+// What a command of the "Scale" menu sets; nothing for other commands. The percentage is 0 unless the mode needs one.
+std::optional<FoliumZoom> GetZoom(int64_t command);
 // The command to start with: the stored one, or "Whole Page" when that is none of the menu.
 uint32_t GetStartScaleCommand(int64_t stored);
 

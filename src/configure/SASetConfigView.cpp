@@ -154,11 +154,10 @@ void CSASetConfigDlg::OnContextMenuRequested(LONG, LONG x, LONG y) {
 }
 
 void CSASetConfigDlg::OnScale(UINT command) {
-    const auto setting = rectlist::GetZoom(command);
-    if (!setting || !m_pFolium) return;
+    const auto zoom = rectlist::GetZoom(command);
+    if (!zoom || !m_pFolium) return;
     m_nScaleCmd = command;
-    const FoliumZoom zoom = {static_cast<int32_t>(setting->mode), setting->percent};
-    m_pFolium->SetZoom(&zoom);
+    m_pFolium->SetZoom(&*zoom);
     m_foliumCtrl.RedrawNow();
 }
 

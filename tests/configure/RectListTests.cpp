@@ -211,13 +211,15 @@ TEST(Rules, AFieldStandsOnOneRow) {
 }
 
 TEST(Rules, ScaleCommands) {
-    using rectlist::Zoom;
-    using rectlist::ZoomMode;
-    EXPECT_EQ(rectlist::GetZoom(27786), (Zoom{ZoomMode::kPercent, 20}));
-    EXPECT_EQ(rectlist::GetZoom(27791), (Zoom{ZoomMode::kPercent, 150}));
-    EXPECT_EQ(rectlist::GetZoom(27793), (Zoom{ZoomMode::kWholePage, 0}));
-    EXPECT_EQ(rectlist::GetZoom(27794), (Zoom{ZoomMode::kPageHeight, 0}));
-    EXPECT_EQ(rectlist::GetZoom(27795), (Zoom{ZoomMode::kPageWidth, 0}));
+    const auto zoom = [](int64_t command) {
+        const auto set = rectlist::GetZoom(command).value();
+        return std::pair(set.mode, set.percent);
+    };
+    EXPECT_EQ(zoom(27786), std::pair(int32_t{kFoliumZoomPercent}, 20));
+    EXPECT_EQ(zoom(27791), std::pair(int32_t{kFoliumZoomPercent}, 150));
+    EXPECT_EQ(zoom(27793), std::pair(int32_t{kFoliumZoomWholePage}, 0));
+    EXPECT_EQ(zoom(27794), std::pair(int32_t{kFoliumZoomPageHeight}, 0));
+    EXPECT_EQ(zoom(27795), std::pair(int32_t{kFoliumZoomPageWidth}, 0));
     for (const int64_t stored : {int64_t{-1}, int64_t{0}, int64_t{27785}, int64_t{27796}, INT64_MAX, INT64_MIN}) {
         EXPECT_EQ(rectlist::GetStartScaleCommand(stored), 27793U) << stored;
     }

@@ -121,7 +121,8 @@ void page_lengths(Input input) {
     const PageRect middle = rectlist::GetMiddleHalf(input.Coordinate(), length);
     (void)rectlist::Normalise(middle);
     if (const auto zoom = rectlist::GetZoom(length)) {
-        Require(rectlist::GetZoom(rectlist::GetStartScaleCommand(length)) == zoom, "a command of the menu stays");
+        Require(rectlist::GetZoom(rectlist::GetStartScaleCommand(length))->mode == zoom->mode,
+                "a command of the menu stays");
     }
 
     PreviewLayout layout;
