@@ -12,7 +12,7 @@ namespace {
 
 using win32::CallHost;
 
-constexpr const char* kSource = "SASetConfigDlg";
+constexpr const char* kSource = host::kSourceSASetConfigDlg;
 constexpr DWORD kListStyle = LVS_EX_FULLROWSELECT | listtable::kExEditCells | listtable::kExMoveRows;
 constexpr int kColumnWidth = 90;
 constexpr LONG kBlankResolution = 200;

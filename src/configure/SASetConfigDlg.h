@@ -25,7 +25,7 @@ public:
 
 protected:
     const wchar_t* GetName() const override { return L"CSASetConfigDlg"; }
-    const char* GetTraceSource() const override { return "SASetConfigDlg"; }
+    const char* GetTraceSource() const override { return host::kSourceSASetConfigDlg; }
     std::span<const win32::MessageEntry> GetMessageMap() const override;
     std::span<const win32::EventEntry> GetEventMap() const override;
     std::span<const win32::HostedControl> GetHostedControls() const override;

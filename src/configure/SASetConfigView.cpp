@@ -11,7 +11,7 @@ namespace {
 
 using win32::CallHost;
 
-constexpr const char* kSource = "SASetConfigDlg";
+constexpr const char* kSource = host::kSourceSASetConfigDlg;
 constexpr const wchar_t* kKeySmooth = L"LastGrey";
 constexpr const wchar_t* kKeyScale = L"LastScale";
 constexpr DWORD kRelativeWidths = 1;

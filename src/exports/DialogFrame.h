@@ -5,9 +5,11 @@
 
 #include <cstdint>
 
+#include "host/Severity.h"
+
 namespace exports {
 
-inline constexpr const char* kSource = "Zonwick";
+inline constexpr const char* kSource = host::kSourceZonwick;
 
 // Traces string 34108 at severity 2 and a text at the given severity, shows the box; the failure value of the exports.
 BOOL ReportDialogFailure(HWND parent, int line, int severity, const wchar_t* text) noexcept;

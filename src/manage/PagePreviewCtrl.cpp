@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr const char* kSource = "PagePreviewCtrl";
+constexpr const char* kSource = host::kSourcePagePreviewCtrl;
 
 COLORREF ColorOf(PreviewColor color) {
     switch (color) {

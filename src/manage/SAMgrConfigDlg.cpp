@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr const char* kSource = "SAMgrConfigDlg";
+constexpr const char* kSource = host::kSourceSAMgrConfigDlg;
 constexpr DWORD kListStyle = LVS_EX_FULLROWSELECT | LVS_EX_INFOTIP;
 constexpr UINT kStoppedMessage = WM_APP;
 constexpr INT_PTR kNotCreated = -1;

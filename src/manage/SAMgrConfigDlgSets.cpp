@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr const char* kSource = "SAMgrConfigDlg";
+constexpr const char* kSource = host::kSourceSAMgrConfigDlg;
 constexpr int kTextMargin = 10;
 constexpr int kWidestColumn = std::numeric_limits<short>::max();  // the message carries 16 bits
 

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr const char* kSource = "AreaSet";
+constexpr const char* kSource = host::kSourceAreaSet;
 
 }  // namespace
 

@@ -13,7 +13,7 @@ static_assert(sizeof(PageRect) == sizeof(RECT) && offsetof(PageRect, right) == o
 
 namespace {
 
-constexpr const char* kSource = "Zonwick";
+constexpr const char* kSource = host::kSourceZonwick;
 
 bool LoadSets() {
     return module::LoadSets(*GetAreaSetManager(), kSource, __LINE__);

@@ -13,7 +13,7 @@ namespace {
 using win32::CallHost;
 using win32::CheckHost;
 
-constexpr const char* kSource = "ZonwickWiz";
+constexpr const char* kSource = host::kSourceZonwickWiz;
 
 _COM_SMARTPTR_TYPEDEF(IUnknown, __uuidof(IUnknown));
 _COM_SMARTPTR_TYPEDEF(IQuireDocument, __uuidof(IQuireDocument));

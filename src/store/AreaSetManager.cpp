@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr const char* kSource = "AreaSetManager";
+constexpr const char* kSource = host::kSourceAreaSetManager;
 
 std::unique_ptr<CAreaSet> MakeSet(const std::wstring& name, uint32_t dwID) {
     try {

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr const char* kSource = "AreaSetManager";
+constexpr const char* kSource = host::kSourceAreaSetManager;
 
 // The order in which the four coordinates are visited, reading and writing.
 struct Coordinate {

@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "host/Severity.h"
 #include "win32/ControlHost.h"
 #include "win32/DataExchange.h"
 #include "win32/MessageMap.h"
@@ -32,7 +33,7 @@ public:
 protected:
     // Its name in traces, and the source that they carry.
     virtual const wchar_t* GetName() const = 0;
-    virtual const char* GetTraceSource() const { return "Zonwick"; }
+    virtual const char* GetTraceSource() const { return host::kSourceZonwick; }
 
     virtual std::span<const win32::MessageEntry> GetMessageMap() const { return {}; }
     virtual std::span<const win32::EventEntry> GetEventMap() const { return {}; }
