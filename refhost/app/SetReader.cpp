@@ -6,6 +6,7 @@
 #include <map>
 #include <string_view>
 
+#include "host/Lengths.h"
 #include "refhost/app/Console.h"
 #include "refhost/app/StoredLayout.h"
 #include "refhost/app/Text.h"
@@ -169,11 +170,7 @@ private:
 
     void EndArea(std::wstring_view name) {
         if (!m_rect.problem.empty()) Blame("area " + Quoted(name) + ": " + m_rect.problem);
-        // As the library serves it.
-        Rect& rect = m_rect.rect;
-        if (rect.left > rect.right) std::swap(rect.left, rect.right);
-        if (rect.top > rect.bottom) std::swap(rect.top, rect.bottom);
-        m_sets.back().record.areas.push_back(rect);
+        m_sets.back().record.areas.push_back(host::Normalized(m_rect.rect));  // as the library serves it
         const auto isDigit = [](wchar_t c) { return c >= L'0' && c <= L'9'; };
         if (!name.empty() && name.size() < 10 && std::all_of(name.begin(), name.end(), isDigit)) {
             m_highest = std::max(m_highest, static_cast<int64_t>(std::stol(std::wstring(name))));

@@ -4,6 +4,7 @@
 #include <limits>
 #include <utility>
 
+#include "host/Lengths.h"
 #include "host/WhiteSpace.h"
 #include "win32/NumberText.h"
 
@@ -25,7 +26,7 @@ double Single(double value) {
 using Lengths = std::array<int32_t, kLengthColumns>;
 
 Lengths GetLengths(const PageRect& rect) {
-    const PageRect normal = Normalise(rect);
+    const PageRect normal = host::Normalized(rect);
     return {normal.left, normal.top, Saturate(int64_t{normal.right} - normal.left),
             Saturate(int64_t{normal.bottom} - normal.top)};
 }
@@ -75,11 +76,6 @@ std::optional<double> ReadCell(std::wstring_view text) {
     if (text.empty()) return 0.0;
     if (host::IsSpace(text.back())) return std::nullopt;
     return win32::ParseNumber(text.substr(text.find_first_not_of(host::kWhiteSpace)));
-}
-
-PageRect Normalise(const PageRect& rect) {
-    return {std::min(rect.left, rect.right), std::min(rect.top, rect.bottom), std::max(rect.left, rect.right),
-            std::max(rect.top, rect.bottom)};
 }
 
 RowTexts GetRowTexts(const PageRect& rect, const Units& units) {

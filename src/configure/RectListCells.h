@@ -32,8 +32,6 @@ public:
 // large for a double is infinite.
 std::optional<double> ReadCell(std::wstring_view text);
 
-PageRect Normalise(const PageRect& rect);
-
 // The row of a rectangle, normalised.
 RowTexts GetRowTexts(const PageRect& rect, const Units& units);
 

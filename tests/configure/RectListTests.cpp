@@ -6,6 +6,7 @@
 
 #include "configure/RectListCells.h"
 #include "configure/RectListRules.h"
+#include "host/Lengths.h"
 
 namespace {
 
@@ -107,7 +108,7 @@ TEST(Cells, OtherLengthsStayAsTheyWere) {
         {31, 62, 1001, 2003}, {0, 0, 0, 0}, {-70, -9, 55, 7}, {7, 7, 2147483647, 2147483647}, {1573, 1, 1, 1573}};
     for (const auto& units : unitsUsed) {
         for (const PageRect& rect : rects) {
-            const PageRect normal = rectlist::Normalise(rect);
+            const PageRect normal = host::Normalized(rect);
             const int64_t width = int64_t{normal.right} - normal.left;
             const int64_t height = int64_t{normal.bottom} - normal.top;
             const auto offset = Type(rect, rectlist::kXOffset, L"1", units);
