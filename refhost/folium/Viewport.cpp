@@ -89,7 +89,7 @@ double Viewport::FitScale(int width, int height) const {
         case kFoliumZoomWholePage:
             return std::min(across, down);
         default:
-            return m_percent * m_dpi / 25400.0;
+            return m_percent * m_dpi / kUnitsForPercent;
     }
 }
 

@@ -12,6 +12,7 @@ class Viewport {
 public:
     static constexpr int32_t kLeastPercent = 1;
     static constexpr int32_t kMostPercent = 6400;
+    static constexpr double kUnitsForPercent = 100.0 * host::kTenthsPerInch;
 
     // All setters keep the place of the page that is in the middle of the window, as far as there is something to
     // scroll. The window's size is without scroll bars, theirs what they take away where they are needed.
@@ -25,7 +26,7 @@ public:
 
     bool HasPage() const { return m_page.width > 0 && m_page.height > 0; }
     Size Page() const { return m_page; }
-    double Percent() const { return m_scale * 25400.0 / m_dpi; }
+    double Percent() const { return m_scale * kUnitsForPercent / m_dpi; }
     int Dpi() const { return m_dpi; }
     // A length given for 96 dots per inch.
     int Scaled(int pixels) const { return (pixels * m_dpi + 48) / 96; }
@@ -86,7 +87,7 @@ private:
     FoliumZoomMode m_mode = kFoliumZoomWholePage;
     double m_percent = 100;
     int m_dpi = 96;
-    double m_scale = 96 / 254.0;  // pixels per unit
+    double m_scale = 96.0 / host::kTenthsPerInch;  // pixels per unit
     Axis m_x, m_y;
 };
 
