@@ -46,7 +46,7 @@ std::span<const win32::MessageEntry> CSASetConfigDlg::GetMessageMap() const {
         win32::OnNotify<&CSASetConfigDlg::OnItemsMoved>(IDC_CONFIG_LIST, listtable::kItemsMoved),
         win32::OnClick<&CSASetConfigDlg::OnAdd>(IDC_CONFIG_ADD),
         win32::OnClick<&CSASetConfigDlg::OnRemove>(IDC_CONFIG_REMOVE),
-        win32::OnClick<&CSASetConfigDlg::OnHelpButton>(IDHELP),
+        win32::OnClick<&CSASetConfigDlg::OnHelp>(IDHELP),
         win32::OnMessage<&CSASetConfigDlg::OnHelpInfo>(WM_HELP),
         win32::OnMessage<&CSASetConfigDlg::OnDestroy>(WM_DESTROY),
         win32::OnClick<&CSASetConfigDlg::OnPrevDoc>(IDC_CONFIG_PREV_DOC),
@@ -244,11 +244,6 @@ void CSASetConfigDlg::ShowUnits() {
     for (const UINT id : {IDC_CONFIG_LIST_LABEL, IDC_CONFIG_SIZE_LABEL, IDC_CONFIG_POSITION_LABEL}) {
         SetDlgItemText(id, GetTextOfWindow(GetDlgItem(id)) + L" [" + unit + L"]:");
     }
-}
-
-LRESULT CSASetConfigDlg::OnHelpInfo(WPARAM, LPARAM) {
-    OnHelp();
-    return TRUE;
 }
 
 // Everything is read before anything is changed: a rectangle that cannot be had leaves the set as it was. So does one

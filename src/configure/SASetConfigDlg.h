@@ -45,8 +45,6 @@ private:
     void ShowBlankPage();
     void LoadRects();
     void ShowUnits();
-    void OnHelpButton() { OnHelp(); }
-    LRESULT OnHelpInfo(WPARAM wParam, LPARAM lParam);
 
     // The list and the rectangles (SASetConfigRects.cpp)
     int FindRow(LONG id) const;

@@ -15,7 +15,6 @@ namespace {
 constexpr const char* kSource = host::kSourceSAMgrConfigDlg;
 constexpr DWORD kListStyle = LVS_EX_FULLROWSELECT | LVS_EX_INFOTIP;
 constexpr UINT kStoppedMessage = WM_APP;
-constexpr INT_PTR kNotCreated = -1;
 
 }  // namespace
 
@@ -34,7 +33,7 @@ std::span<const win32::MessageEntry> CSAMgrConfigDlg::GetMessageMap() const {
         win32::OnClick<&CSAMgrConfigDlg::OnScannedDocuments>(IDC_MANAGE_SCANNED),
         win32::OnClick<&CSAMgrConfigDlg::OnConfigurePageSize>(IDC_MANAGE_PAGE_SIZE),
         win32::OnClick<&CSAMgrConfigDlg::OnSettings>(IDC_MANAGE_SETTINGS),
-        win32::OnClick<&CSAMgrConfigDlg::OnHelpButton>(IDHELP),
+        win32::OnClick<&CSAMgrConfigDlg::OnHelp>(IDHELP),
         win32::OnMessage<&CSAMgrConfigDlg::OnHelpInfo>(WM_HELP),
         win32::OnNotify<&CSAMgrConfigDlg::OnKeyDown>(IDC_MANAGE_LIST, LVN_KEYDOWN),
         win32::OnMessage<&CSAMgrConfigDlg::OnStopped>(kStoppedMessage),
@@ -149,11 +148,6 @@ void CSAMgrConfigDlg::OnSettings() {
     set->SetDisplayRect({0, 0, size.cx, size.cy});
     UpdatePreviewControl(item);
     UpdateSizeLabel();
-}
-
-LRESULT CSAMgrConfigDlg::OnHelpInfo(WPARAM, LPARAM) {
-    OnHelp();
-    return TRUE;
 }
 
 // The support library's box adds what the host itself traced about the failure, as where a refused file is kept.

@@ -36,8 +36,6 @@ private:
     void OnConfigurePageSize() { UpdateSettingsButton(); }
     void UpdateSettingsButton();
     void OnSettings();
-    void OnHelpButton() { OnHelp(); }
-    LRESULT OnHelpInfo(WPARAM wParam, LPARAM lParam);
     void TellFailure(UINT text, int line);
 
     // The list of sets (SAMgrConfigDlgSets.cpp)

@@ -98,11 +98,6 @@ void CSAPaperSizeDlg::OnPageType(UINT id) {
     if (IsDlgButtonChecked(id)) SelectPageType(id == IDC_PAPER_STANDARD);
 }
 
-LRESULT CSAPaperSizeDlg::OnHelpInfo(WPARAM, LPARAM) {
-    OnHelp();
-    return TRUE;
-}
-
 // A refused size may have been stored in another unit, and its edit be disabled.
 void CSAPaperSizeDlg::OnDataRefused(UINT) {
     SelectPageType(false);
