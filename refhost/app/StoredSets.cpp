@@ -2,8 +2,7 @@
 
 #include <comdef.h>
 
-#include <memory>
-
+#include "host/SafeArray.h"
 #include "refhost/app/Console.h"
 #include "refhost/app/StoredLayout.h"
 #include "refhost/app/Text.h"
@@ -30,25 +29,15 @@ ISettingsNodePtr SubNode(ISettingsNode* node, const _bstr_t& name) {
     return sub;
 }
 
-struct DestroyArray {
-    void operator()(SAFEARRAY* array) const noexcept { SafeArrayDestroy(array); }
-};
-
 std::vector<std::string> SubNodeNames(ISettingsNode* node) {
     SAFEARRAY* raw = nullptr;
     Check(node->GetSubNodeNames(&raw));
-    if (!raw) _com_raise_error(E_POINTER);
-    const std::unique_ptr<SAFEARRAY, DestroyArray> array(raw);
-    LONG low = 0;
-    LONG high = -1;
-    Check(SafeArrayGetLBound(raw, 1, &low));
-    Check(SafeArrayGetUBound(raw, 1, &high));
+    host::ArrayOwner array(raw);
+    Check(array.Lock(VT_BSTR));
     std::vector<std::string> names;
-    for (LONG i = low; i <= high; ++i) {
-        BSTR name = nullptr;
-        Check(SafeArrayGetElement(raw, &i, &name));
-        const _bstr_t owner(name, false);
-        names.push_back(Utf8FromWide({name ? name : L"", owner.length()}));
+    for (int64_t i = 0; i < array.Count(); ++i) {
+        const BSTR name = array.Data<const BSTR>()[i];
+        names.push_back(Utf8FromWide({name ? name : L"", SysStringLen(name)}));
     }
     return names;
 }

@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "host/SafeArray.h"
 #include "refhost/settings/Status.h"
 #include "refhost/settings/StoreError.h"
 #include "refhost/settings/Unicode.h"
@@ -35,10 +36,6 @@ struct FreeString {
 };
 using String = std::unique_ptr<wchar_t, FreeString>;
 
-struct FreeArray {
-    void operator()(SAFEARRAY* array) const noexcept { SafeArrayDestroy(array); }
-};
-
 void Check(HRESULT status) {
     if (FAILED(status)) throw _com_error(status);
 }
@@ -47,14 +44,10 @@ template <class Interface>
 std::vector<std::u16string> Names(Interface* from, HRESULT (STDMETHODCALLTYPE Interface::*list)(SAFEARRAY**)) {
     SAFEARRAY* made = nullptr;
     Check((from->*list)(&made));
-    const std::unique_ptr<SAFEARRAY, FreeArray> array(made);
-    VARTYPE type = VT_EMPTY;
-    if (array == nullptr || SafeArrayGetDim(made) != 1 || FAILED(SafeArrayGetVartype(made, &type)) || type != VT_BSTR) {
-        throw _com_error(E_INVALIDARG);
-    }
-    const auto* elements = static_cast<const BSTR*>(made->pvData);
+    host::ArrayOwner array(made);
+    Check(array.Lock(VT_BSTR));
     std::vector<std::u16string> names;
-    for (ULONG i = 0; i < made->rgsabound[0].cElements; ++i) names.push_back(UnitsFrom(elements[i]));
+    for (int64_t i = 0; i < array.Count(); ++i) names.push_back(UnitsFrom(array.Data<const BSTR>()[i]));
     return names;
 }
 
