@@ -7,6 +7,7 @@
 
 #include "host/HostIds.h"
 #include "host/PageImage.h"
+#include "host/SafeArray.h"
 #include "refhost/app/Console.h"
 #include "refhost/app/Text.h"
 

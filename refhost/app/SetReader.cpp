@@ -7,8 +7,8 @@
 #include <string_view>
 
 #include "host/Lengths.h"
+#include "host/StoredSettings.h"
 #include "refhost/app/Console.h"
-#include "refhost/app/StoredLayout.h"
 #include "refhost/app/Text.h"
 
 namespace zonhost {
@@ -23,8 +23,7 @@ bool Fits(LONGLONG value) {
 }
 
 // The form in which the library writes keys. A value under such a name was a set.
-bool IsWrittenKey(const std::string& name) {
-    const uint32_t id = IdOfKey(name);
+bool IsWrittenKey(const std::string& name, uint32_t id) {
     return id != 0 && FoldCase(name) == KeyOfId(id);
 }
 
@@ -34,6 +33,8 @@ std::string Quoted(std::wstring_view name) {
 
 // Reads one rectangle node.
 struct RectReader {
+    static constexpr auto& kCoordinates = host::kStoredCoordinates<Rect>;
+
     Rect rect;
     std::array<bool, std::size(kCoordinates)> seen{};
     std::string problem;
@@ -43,7 +44,7 @@ struct RectReader {
             if (kCoordinates[i].name != name) continue;
             seen[i] = true;
             if (member.kind == kHostSettingsNumber && Fits<int32_t>(member.number)) {
-                rect.*kCoordinates[i].coordinate = static_cast<int32_t>(member.number);
+                rect.*kCoordinates[i].member = static_cast<int32_t>(member.number);
             } else if (problem.empty()) {
                 problem = Utf8FromWide(name) + " is no whole number of 32 bits";
             }
@@ -90,9 +91,9 @@ private:
 
     void AtRoot(std::wstring_view name, const HostSettingsMember& member) {
         std::string key = Utf8FromWide(name);
-        const uint32_t id = IdOfKey(key);
+        const uint32_t id = host::ParseSetKey(std::wstring(name));
         const bool node = member.kind == kHostSettingsNode;
-        if (id != 0 && (node || IsWrittenKey(key))) {
+        if (id != 0 && (node || IsWrittenKey(key, id))) {
             m_sets.push_back({});
             m_sets.back().record.id = id;
             m_sets.back().key = std::move(key);
@@ -130,26 +131,26 @@ private:
     Place InSet(std::wstring_view name, const HostSettingsMember& member) {
         TreeSet& set = m_sets.back();
         const bool node = member.kind == kHostSettingsNode;
-        if (name == L"Name") {
+        if (name == host::kKeyName) {
             m_named = true;
             if (member.kind == kHostSettingsText) {
                 set.record.name = Utf8FromWide({member.text, member.textLength});
             } else {
                 Blame("Name is no text");
             }
-        } else if (name == L"Flags") {
+        } else if (name == host::kKeyFlags) {
             m_flagged = true;
             if (member.kind == kHostSettingsNumber && Fits<uint32_t>(member.number)) {
                 set.record.flags = static_cast<uint32_t>(member.number);
             } else {
                 Blame("Flags is no whole number from 0 to 4294967295");
             }
-        } else if (name == L"Rect") {
+        } else if (name == host::kKeyRect) {
             m_listed = true;
             m_highest = -1;
             if (node) return Place::kAreas;
             Blame("Rect is no group of areas");
-        } else if (name == L"DisplayRect") {
+        } else if (name == host::kKeyDisplayRect) {
             m_paged = true;
             m_rect = {};
             if (node) return Place::kPage;

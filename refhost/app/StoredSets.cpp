@@ -3,8 +3,8 @@
 #include <comdef.h>
 
 #include "host/SafeArray.h"
+#include "host/StoredSettings.h"
 #include "refhost/app/Console.h"
-#include "refhost/app/StoredLayout.h"
 #include "refhost/app/Text.h"
 #include "refhost/settings/HostSettings.h"
 
@@ -42,13 +42,15 @@ std::vector<std::string> SubNodeNames(ISettingsNode* node) {
     return names;
 }
 
+constexpr auto& kCoordinates = host::kStoredCoordinates<Rect>;
+
 // Writes rectangles under the names of their values, which are made once for all of them.
 class RectWriter {
 public:
     void Write(ISettingsNode* node, const _bstr_t& name, const Rect& rect) const {
         const ISettingsNodePtr sub = SubNode(node, name);
         for (size_t i = 0; i < std::size(kCoordinates); ++i) {
-            Check(sub->SetInt64(m_names[i], rect.*kCoordinates[i].coordinate));
+            Check(sub->SetInt64(m_names[i], rect.*kCoordinates[i].member));
         }
     }
 
@@ -66,12 +68,16 @@ size_t Digits(int64_t value) {
 }  // namespace
 
 void ExpectRoom(const std::vector<AreaSetRecord>& sets) {
-    constexpr std::string_view kArea =
-        R"("": {"Position:bottom": , "Position:left": , "Position:right": , "Position:top": },)";
+    // An area as it stands in the file, without its numbers: "": {"Position:bottom": , ... "Position:top": },
+    constexpr size_t kArea = [] {
+        size_t length = std::string_view(R"("": {},)").size() - 2;
+        for (const auto& coordinate : kCoordinates) length += std::wstring_view(coordinate.name).size() + 6;
+        return length;
+    }();
     size_t size = 0;
     for (const AreaSetRecord& set : sets) {
         for (const Rect& area : set.areas) {
-            size += kArea.size() + 1 + Digits(area.bottom) + Digits(area.left) + Digits(area.right) + Digits(area.top);
+            size += kArea + 1 + Digits(area.bottom) + Digits(area.left) + Digits(area.right) + Digits(area.top);
         }
     }
     if (size <= kSettingsMaxFileSize) return;
@@ -82,11 +88,11 @@ void ExpectRoom(const std::vector<AreaSetRecord>& sets) {
 
 void WriteSet(ISettingsNode* root, const PlannedSet& planned) {
     const ISettingsNodePtr node = SubNode(root, Name(planned.key));
-    Check(node->SetString(_bstr_t(L"Name"), Name(planned.set.name)));
-    Check(node->SetInt64(_bstr_t(L"Flags"), planned.set.flags));
+    Check(node->SetString(_bstr_t(host::kKeyName), Name(planned.set.name)));
+    Check(node->SetInt64(_bstr_t(host::kKeyFlags), planned.set.flags));
     const RectWriter writer;
-    writer.Write(node, L"DisplayRect", planned.set.page);
-    const ISettingsNodePtr areas = SubNode(node, L"Rect");
+    writer.Write(node, host::kKeyDisplayRect, planned.set.page);
+    const ISettingsNodePtr areas = SubNode(node, host::kKeyRect);
     for (const std::string& old : SubNodeNames(areas)) Check(areas->DeleteSubNode(Name(old)));
     for (size_t i = 0; i < planned.set.areas.size(); ++i) {
         writer.Write(areas, std::to_wstring(i).c_str(), planned.set.areas[i]);

@@ -19,8 +19,8 @@ int64_t DpiUnits(double dpi) {
     return std::llround(dpi * static_cast<double>(kUnitsPerDot));
 }
 
-// position * dpi / kTenthsPerInch rounded down or up. Positions of 32 bits reach 2 * 10^19 with units of 10^-6, which is too wide:
-// the whole inches and the rest of the position are taken apart.
+// position * dpi / kTenthsPerInch rounded down or up. Positions of 32 bits reach 2 * 10^19 with units of 10^-6, which
+// is too wide: the whole inches and the rest of the position are taken apart.
 int64_t PixelAt(int64_t position, int64_t units, bool up) {
     int64_t inches = position / kTenthsPerInch;
     int64_t rest = position % kTenthsPerInch;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/SafeArray.h"
+#include "host/StoredSettings.h"
 #include "refhost/settings/Status.h"
 #include "refhost/settings/StoreError.h"
 #include "refhost/settings/Unicode.h"
@@ -20,16 +21,6 @@ using NodeReference = _com_ptr_t<_com_IIID<ISettingsNode, &__uuidof(ISettingsNod
 using ListReference = _com_ptr_t<_com_IIID<IHostSettingsList, &__uuidof(IHostSettingsList)>>;
 
 constexpr size_t kMostSubNodes = 1000000;
-
-// What modules of this host keep in their nodes, for nodes that cannot list their values.
-constexpr const char16_t* kKnownValues[] = {
-    u"Name",         u"Flags",           u"Position:left",
-    u"Position:top", u"Position:right",  u"Position:bottom",
-    u"PageFormat",   u"RadioPageOrient", u"RadioPageType",
-    u"CustomWidth",  u"CustomHeight",    u"RealWidth",
-    u"RealHeight",   u"RadioPageSource", u"LastGrey",
-    u"LastScale",    u"ColumnsWidth",    u"ColumnsWidthWithIndexing",
-};
 
 struct FreeString {
     void operator()(wchar_t* text) const noexcept { SysFreeString(text); }
@@ -69,7 +60,10 @@ public:
                 ReadValue(from, name, to);
             }
         } else {
-            for (const char16_t* name : kKnownValues) ReadValue(from, name, to);
+            // What modules of this host keep in their nodes.
+            for (const std::wstring_view name : host::kStoredValues) {
+                ReadValue(from, std::u16string(name.begin(), name.end()), to);
+            }
         }
         for (const auto& name : Names(from, &ISettingsNode::GetSubNodeNames)) {
             if (++m_subNodes > kMostSubNodes) {

@@ -211,8 +211,8 @@ void CSASetConfigDlg::ShowBlankPage() {
         win32::CheckHost(CoCreateInstance(host::kClsidPageImage, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IImageLoader),
                                           reinterpret_cast<void**>(&loader)),
                          __uuidof(IImageLoader));
-        CallHost(loader.GetInterfacePtr(), &IImageLoader::CreateBlank, size.cx, size.cy, kBlankResolution, kBlankResolution,
-                 LONG{0});
+        CallHost(loader.GetInterfacePtr(), &IImageLoader::CreateBlank, size.cx, size.cy, kBlankResolution,
+                 kBlankResolution, LONG{0});
         win32::CheckHost(loader->QueryInterface(host::kIidBlankPageImage, reinterpret_cast<void**>(&page)),
                          host::kIidBlankPageImage);
     } catch (const _com_error&) {

@@ -2,6 +2,7 @@
 // view.
 #include "configure/ConfigSupport.h"
 #include "configure/SASetConfigDlg.h"
+#include "host/StoredSettings.h"
 #include "resource.h"
 #include "trace/Trace.h"
 #include "win32/Failure.h"
@@ -12,8 +13,6 @@ namespace {
 using win32::CallHost;
 
 constexpr const char* kSource = host::kSourceSASetConfigDlg;
-constexpr const wchar_t* kKeySmooth = L"LastGrey";
-constexpr const wchar_t* kKeyScale = L"LastScale";
 constexpr DWORD kRelativeWidths = 1;
 
 // Column widths, by mode.
@@ -22,8 +21,8 @@ struct WidthsSetting {
     const wchar_t* fallback;
 };
 WidthsSetting GetWidthsSetting(bool indexing) {
-    if (indexing) return {L"ColumnsWidthWithIndexing", L"[%]200,200,200,200,200"};
-    return {L"ColumnsWidth", L"[%]250,250,250,250"};
+    if (indexing) return {host::kKeyWidthsIndexing, L"[%]200,200,200,200,200"};
+    return {host::kKeyWidths, L"[%]250,250,250,250"};
 }
 
 // "52.5, 74.2", with the host asked in this order.
@@ -175,10 +174,10 @@ bool CSASetConfigDlg::LoadViewSettings() {
     ComSettingsNode node(GetApp().GetSettingsNode());
     CentreWindow(GetSafeHwnd());
 
-    m_bSmooth = !win32::ReadOr(true, [&] { return node.GetBool(kKeySmooth); });
+    m_bSmooth = !win32::ReadOr(true, [&] { return node.GetBool(host::kKeySmooth); });
     SendMessage(WM_COMMAND, ID_SMOOTH_IMAGES);
 
-    const auto scale = win32::ReadOr(int64_t{ID_SCALE_WHOLE_PAGE}, [&] { return node.GetInt64(kKeyScale); });
+    const auto scale = win32::ReadOr(int64_t{ID_SCALE_WHOLE_PAGE}, [&] { return node.GetInt64(host::kKeyScale); });
     SendMessage(WM_COMMAND, rectlist::GetStartScaleCommand(scale));
 
     const WidthsSetting widths = GetWidthsSetting(IsIndexing());
@@ -194,8 +193,8 @@ void CSASetConfigDlg::ApplyColumnWidths() {
 
 void CSASetConfigDlg::SaveViewSettings() {
     ComSettingsNode node(GetApp().GetSettingsNode());
-    node.SetBool(kKeySmooth, m_bSmooth);
-    node.SetInt64(kKeyScale, m_nScaleCmd);
+    node.SetBool(host::kKeySmooth, m_bSmooth);
+    node.SetInt64(host::kKeyScale, m_nScaleCmd);
     node.SetString(GetWidthsSetting(IsIndexing()).key, m_list.GetColumnWidths(kRelativeWidths));
 }
 

@@ -129,7 +129,7 @@ void CSAMgrConfigDlg::UpdateSettingsButton() {
 }
 
 void CSAMgrConfigDlg::WritePageSource() {
-    ComSettingsNode(GetApp().GetSettingsNode()).SetBool(kKeyPageScanned, IsDlgButtonChecked(IDC_MANAGE_SCANNED));
+    ComSettingsNode(GetApp().GetSettingsNode()).SetBool(host::kKeyPageScanned, IsDlgButtonChecked(IDC_MANAGE_SCANNED));
 }
 
 // The size in effect becomes that of the current set, also when the paper size dialog was cancelled.

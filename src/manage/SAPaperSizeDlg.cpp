@@ -37,8 +37,10 @@ void CSAPaperSizeDlg::DoDataExchange(CDataExchange& exchange) {
 bool CSAPaperSizeDlg::OnInitDialog() {
     const win32::HostUnits units;
     ComSettingsNode node(m_settings());
-    m_fCustomWidth = static_cast<float>(units.ToUserUnits(ReadInteger(node, kKeyCustomWidth, kDefaultCustomWidth)));
-    m_fCustomHeight = static_cast<float>(units.ToUserUnits(ReadInteger(node, kKeyCustomHeight, kDefaultCustomHeight)));
+    m_fCustomWidth =
+        static_cast<float>(units.ToUserUnits(ReadInteger(node, host::kKeyCustomWidth, kDefaultCustomWidth)));
+    m_fCustomHeight =
+        static_cast<float>(units.ToUserUnits(ReadInteger(node, host::kKeyCustomHeight, kDefaultCustomHeight)));
     CDialog::OnInitDialog();
 
     const bool metric = units.IsMetric();
@@ -65,17 +67,17 @@ void CSAPaperSizeDlg::FillFormats(bool metric, const std::wstring& unit) {
 
 void CSAPaperSizeDlg::LoadDialogState() {
     ComSettingsNode node(m_settings());
-    const bool portrait = ReadBool(node, kKeyPagePortrait, kDefaultPagePortrait);
+    const bool portrait = ReadBool(node, host::kKeyPagePortrait, kDefaultPagePortrait);
     CheckDlgButton(IDC_PAPER_PORTRAIT, portrait);
     CheckDlgButton(IDC_PAPER_LANDSCAPE, !portrait);
 
-    const int32_t iFormat = ReadInteger(node, kKeyPageFormat, kDefaultPageFormat);
+    const int32_t iFormat = ReadInteger(node, host::kKeyPageFormat, kDefaultPageFormat);
     for (int item = 0; item < m_comboFormat.GetCount(); ++item) {
         if (static_cast<int32_t>(m_comboFormat.GetItemData(item)) != iFormat) continue;
         m_comboFormat.SetCurSel(item);
         break;
     }
-    SelectPageType(ReadBool(node, kKeyPageStandard, kDefaultPageStandard));
+    SelectPageType(ReadBool(node, host::kKeyPageStandard, kDefaultPageStandard));
 }
 
 void CSAPaperSizeDlg::SelectPageType(bool standard) {
@@ -124,13 +126,13 @@ void CSAPaperSizeDlg::OnOK() {
     const LONG realHeight = units.FromUserUnits(size.fHeight);
 
     ComSettingsNode node(m_settings());
-    node.SetInt64(kKeyCustomWidth, customWidth);
-    node.SetInt64(kKeyCustomHeight, customHeight);
-    node.SetBool(kKeyPagePortrait, !choice.landscape);
-    node.SetInt64(kKeyPageFormat, choice.iFormat);
-    node.SetBool(kKeyPageStandard, choice.standard);
-    node.SetInt64(kKeyRealWidth, realWidth);
-    node.SetInt64(kKeyRealHeight, realHeight);
+    node.SetInt64(host::kKeyCustomWidth, customWidth);
+    node.SetInt64(host::kKeyCustomHeight, customHeight);
+    node.SetBool(host::kKeyPagePortrait, !choice.landscape);
+    node.SetInt64(host::kKeyPageFormat, choice.iFormat);
+    node.SetBool(host::kKeyPageStandard, choice.standard);
+    node.SetInt64(host::kKeyRealWidth, realWidth);
+    node.SetInt64(host::kKeyRealHeight, realHeight);
     EndDialog(IDOK);
 }
 

@@ -27,8 +27,8 @@ public:
     ~CDialog() override;
 
     static constexpr INT_PTR kNotCreated = -1;
-    // IDOK or IDCANCEL; kNotCreated when the dialog or a control of it could not be made. Without a parent the dialog open on
-    // this thread becomes the owner, or else the thread's active window.
+    // IDOK or IDCANCEL; kNotCreated when the dialog or a control of it could not be made. Without a parent the dialog
+    // open on this thread becomes the owner, or else the thread's active window.
     INT_PTR DoModal();
 
 protected:

@@ -3,7 +3,6 @@
 #include <limits>
 
 #include "store/AreaSetManager.h"
-#include "store/SettingsKeys.h"
 #include "support/MemoryNode.h"
 #include "support/TraceRecorder.h"
 
@@ -50,16 +49,18 @@ protected:
     }
 
     static void WriteRect(const std::shared_ptr<NodeData>& node, const PageRect& rect) {
-        node->integers = {
-            {kKeyLeft, rect.left}, {kKeyTop, rect.top}, {kKeyRight, rect.right}, {kKeyBottom, rect.bottom}};
+        node->integers = {{host::kKeyLeft, rect.left},
+                          {host::kKeyTop, rect.top},
+                          {host::kKeyRight, rect.right},
+                          {host::kKeyBottom, rect.bottom}};
     }
 
     CAreaSetManager m_manager{Root, L"ZonwickTestMutex"};
 };
 
 TEST_F(PersistenceTest, SetKeysReadBackAsSignedHexadecimal) {
-    EXPECT_EQ(MakeSetKey(42), L"0x0000002a");
-    EXPECT_EQ(MakeSetKey(0xFFFFFFFF), L"0xffffffff");
+    EXPECT_EQ(host::MakeSetKey(42), L"0x0000002a");
+    EXPECT_EQ(host::MakeSetKey(0xFFFFFFFF), L"0xffffffff");
     const struct {
         const wchar_t* key;
         uint32_t id;
@@ -78,7 +79,7 @@ TEST_F(PersistenceTest, SetKeysReadBackAsSignedHexadecimal) {
         {L"face", 0xFACE},
         {L"- 1", 0},
     };
-    for (const auto& [key, id] : cases) EXPECT_EQ(ParseSetKey(key), id) << testing::PrintToString(key);
+    for (const auto& [key, id] : cases) EXPECT_EQ(host::ParseSetKey(key), id) << testing::PrintToString(key);
 }
 
 TEST_F(PersistenceTest, StoresInTheDocumentedLayout) {
@@ -139,12 +140,12 @@ TEST_F(PersistenceTest, ReadsDamagedSetsAsFarAsTheyGo) {
     g_root->Child(L"no identifier")->strings[L"Name"] = L"skipped";
     auto bare = g_root->Child(L"0x00000001");
     auto partial = g_root->Child(L"0x00000002");
-    partial->Child(L"DisplayRect")->integers = {{kKeyBottom, 1}, {kKeyLeft, 2}, {kKeyRight, 3}};
+    partial->Child(L"DisplayRect")->integers = {{host::kKeyBottom, 1}, {host::kKeyLeft, 2}, {host::kKeyRight, 3}};
     WriteRect(partial->Child(L"Rect")->Child(L"b"), {9, 9, 1, 1});
     partial->Child(L"Rect")->Child(L"a");
-    partial->integers[kKeyFlags] = 0x5'10000001;  // the low 32 bits count
-    auto twin = g_root->Child(L"1");              // the same identifier once more
-    twin->strings[kKeyName] = L"twin";
+    partial->integers[host::kKeyFlags] = 0x5'10000001;  // the low 32 bits count
+    auto twin = g_root->Child(L"1");                    // the same identifier once more
+    twin->strings[host::kKeyName] = L"twin";
     WriteRect(twin->Child(L"Rect")->Child(L"0"), {1, 1, 2, 2});
 
     EXPECT_TRUE(m_manager.LoadSettings());
