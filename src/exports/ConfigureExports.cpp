@@ -91,7 +91,7 @@ BOOL ConfigureSet(HWND hParent, DWORD dwID) {
 // The host's Begin, and its End whatever happens in between. A failing End is traced: the work is done by then.
 class HostScope {
 public:
-    explicit HostScope(IConfigHost* host) : m_scope(win32::QueryHost<IConfigScope>(host)) {
+    explicit HostScope(IConfigHost* host) : m_scope(win32::QueryHost<IConfigScopePtr>(host)) {
         CallHost(m_scope.GetInterfacePtr(), &IConfigScope::Begin);
     }
     ~HostScope() {

@@ -1,12 +1,14 @@
 // The two settings nodes of the module object.
 #include "module/ZonwickApp.h"
+#include "win32/ComPtr.h"
 
 namespace {
 
 using win32::CallHost;
+using TransferPtr = win32::ComPtr<ISettingsTransfer>;
 
 // The object that copied, for who has to keep it.
-ISettingsTransferPtr CopyOver(ISettingsNode* target, ISettingsNode* source) {
+TransferPtr CopyOver(ISettingsNode* target, ISettingsNode* source) {
     auto transfer = win32::CreateHostObject<ISettingsTransfer>(host::kClsidSettingsTransfer);
     CallHost(transfer.GetInterfacePtr(), &ISettingsTransfer::ClearNode, target);
     CallHost(transfer.GetInterfacePtr(), &ISettingsTransfer::CopyNode, target, source);
@@ -32,7 +34,7 @@ void CZonwickApp::SetHostSettings(ISettingsNode* node) {
 void CZonwickApp::RefreshFromHost() {
     if (!m_pHostNode || !m_pWorkingNode) return;
     const CAreaSetManager::Exclusive exclusive(*GetAreaSetManager());
-    ISettingsTransferPtr transfer;  // a host may see it go: after the sets were read
+    TransferPtr transfer;  // a host may see it go: after the sets were read
     try {
         transfer = CopyOver(m_pWorkingNode, m_pHostNode);
     } catch (...) {

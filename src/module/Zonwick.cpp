@@ -52,7 +52,7 @@ void Init(IUnknown* pHost) {
                          L"SAInit: the sets are being loaded or stored, nothing was changed.");
         return;
     }
-    GetApp().SetHostSettings(pHost == nullptr ? ISettingsNodePtr() : win32::QueryHost<ISettingsNode>(pHost));
+    GetApp().SetHostSettings(pHost == nullptr ? ISettingsNodePtr() : win32::QueryHost<ISettingsNodePtr>(pHost));
 }
 
 }  // namespace

@@ -80,7 +80,7 @@ bool CZonwickApp::CopyPageImage(IQuirePage* page, IPageImage* image) {
         IUnknownPtr unknown;
         CallHost(source.GetInterfacePtr(), &IImageSource::GetData, &unknown);
         if (!unknown) win32::ThrowHostError(E_POINTER, __uuidof(IImageSource));
-        data = win32::QueryHost<IImageData>(unknown);
+        data = win32::QueryHost<IImageDataPtr>(unknown);
     }
     SAFEARRAY* bytes = nullptr;
     CallHost(data.GetInterfacePtr(), &IImageData::GetBytes, &bytes);

@@ -41,11 +41,11 @@ inline void CheckQuery(HRESULT status, REFIID iid) {
     if (status != E_NOINTERFACE) CheckHost(status, iid);
 }
 
-// Asks an object of the host for another interface.
-template <class Interface>
-_com_ptr_t<_com_IIID<Interface, &__uuidof(Interface)>> QueryHost(IUnknown* object) {
-    Interface* found = nullptr;
-    CheckQuery(object->QueryInterface(__uuidof(Interface), reinterpret_cast<void**>(&found)), __uuidof(Interface));
+// Asks an object of the host for another interface: QueryHost<IConfigScopePtr>(host).
+template <class Pointer>
+Pointer QueryHost(IUnknown* object) {
+    typename Pointer::Interface* found = nullptr;
+    CheckQuery(object->QueryInterface(Pointer::GetIID(), reinterpret_cast<void**>(&found)), Pointer::GetIID());
     return {found, false};
 }
 
