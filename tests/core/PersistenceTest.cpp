@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cwctype>
 #include <limits>
 
 #include "store/AreaSetManager.h"
@@ -68,6 +69,8 @@ TEST_F(PersistenceTest, SetKeysReadBackAsSignedHexadecimal) {
         {L"0x0000002a", 42},
         {L"2A", 42},
         {L" \t+0X2a rest", 42},
+        {L"\u00a0\u2003\u30002A", 42},
+        {L"\u200b2A", 0},
         {L"-1", 0xFFFFFFFF},
         {L"0x80000001", 0x7FFFFFFF},
         {L"ffffffffffffffffffff", 0x7FFFFFFF},
@@ -80,6 +83,12 @@ TEST_F(PersistenceTest, SetKeysReadBackAsSignedHexadecimal) {
         {L"- 1", 0},
     };
     for (const auto& [key, id] : cases) EXPECT_EQ(host::ParseSetKey(key), id) << testing::PrintToString(key);
+#ifdef _WIN32
+    // The runtime library of the target tells what is white space.
+    for (int c = 0; c < 0x10000; ++c) {
+        EXPECT_EQ(host::IsSpace(static_cast<wchar_t>(c)), std::iswspace(static_cast<wint_t>(c)) != 0) << c;
+    }
+#endif
 }
 
 TEST_F(PersistenceTest, StoresInTheDocumentedLayout) {

@@ -139,10 +139,10 @@ void AddValue(test::NodeData& node, uint8_t which, Input& input) {
 
 std::wstring SubNodeName(Input& input) {
     const uint8_t kind = input.Byte();
-    if (kind < 64) return MakeSetKey(kind);
+    if (kind < 64) return host::MakeSetKey(kind);
     if (kind < 128) return kind % 2 == 0 ? host::kKeyRect : host::kKeyDisplayRect;
     if (kind < 160) return std::to_wstring(kind - 128);
-    return kind < 176 ? MakeSetKey(input.Number()) : input.Text();
+    return kind < 176 ? host::MakeSetKey(input.Number()) : input.Text();
 }
 
 // A tree written down as steps: into a sub-node, out of it, set a value.
