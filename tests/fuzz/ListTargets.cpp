@@ -6,6 +6,7 @@
 #include "configure/RectListCells.h"
 #include "configure/RectListRules.h"
 #include "fuzz/Targets.h"
+#include "host/Lengths.h"
 #include "manage/PreviewLayout.h"
 #include "refhost/controls/list/TableRules.h"
 #include "refhost/units/UnitRules.h"
@@ -81,7 +82,7 @@ void cell_text(Input input) {
     cells[column] = edit->text;
     const auto again = rectlist::ApplyCellEdit(cells, static_cast<rectlist::Column>(column), shown, hostUnits);
     Require(again && again->text == edit->text && again->rect == edit->rect, "the same number changes nothing more");
-    const PageRect rect = rectlist::Normalise(edit->rect);
+    const PageRect rect = host::Normalized(edit->rect);
     Require(rect.left <= rect.right && rect.top <= rect.bottom, "the rectangle can be made normal");
 }
 
@@ -119,9 +120,10 @@ void page_lengths(Input input) {
         Require(hostUnits.FromUser(hostUnits.ToUser(length)) == length, "a length converts back");
     }
     const PageRect middle = rectlist::GetMiddleHalf(input.Coordinate(), length);
-    (void)rectlist::Normalise(middle);
+    (void)host::Normalized(middle);
     if (const auto zoom = rectlist::GetZoom(length)) {
-        Require(rectlist::GetZoom(rectlist::GetStartScaleCommand(length)) == zoom, "a command of the menu stays");
+        Require(rectlist::GetZoom(rectlist::GetStartScaleCommand(length))->mode == zoom->mode,
+                "a command of the menu stays");
     }
 
     PreviewLayout layout;
