@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "refhost/reader/Bitmap.h"
+#include "refhost/imaging/Image.h"
 
 inline uint32_t ColourAt(const reader::Bitmap& image, uint32_t x, uint32_t y) {
     const uint8_t* row = image.Row(y);
@@ -36,4 +36,11 @@ inline std::shared_ptr<reader::Bitmap> MakeTestImage(uint32_t width, uint32_t he
         for (size_t i = 3; i < image->Size(); i += 4) image->Data()[i] = 0xFF;
     }
     return image;
+}
+
+// The image as a BMP file.
+inline std::vector<uint8_t> BmpOf(const imaging::Image& image) {
+    std::vector<uint8_t> file(image.BmpSize());
+    image.WriteBmp(file.data());
+    return file;
 }
