@@ -19,54 +19,46 @@ using zonhost::Utf8FromPath;
 
 namespace {
 
-// A 1-bit page of 200 x 100 pixels at 254 dpi (a pixel is a tenth of a millimetre) with a pattern of its own.
-constexpr uint32_t kWidth = 200;
-constexpr uint32_t kHeight = 100;
-
-bool IsBlack(uint32_t seed, uint32_t x, uint32_t y) {
-    return ((x * 7 + y * 13 + x * y + seed) % 5) < 2;
+// A 1-bit page; at 254 dpi a pixel is a tenth of a millimetre. Pages of other numbers have other pixels.
+std::shared_ptr<reader::Bitmap> MakePage(uint32_t number, double dpi = 254) {
+    return MakeTestImage(200 + number, 100, 1, dpi, dpi);
 }
 
-Bytes PageBmp(uint32_t seed) {
-    const auto page = std::make_shared<reader::Bitmap>(kWidth, kHeight, 1);
-    page->palette = reader::BlackWhitePalette();
-    page->resolution = {254, 254, false};
-    std::fill_n(page->Data(), page->Size(), uint8_t{0});
-    for (uint32_t i = 0; i < kWidth * kHeight; ++i) {
-        const uint32_t x = i % kWidth;
-        if (!IsBlack(seed, x, i / kWidth)) page->Row(i / kWidth)[x / 8] |= static_cast<uint8_t>(0x80 >> (x % 8));
-    }
-    return BmpOf(imaging::Image(page));
+std::shared_ptr<const reader::Bitmap> ReadPage(const fs::path& path) {
+    const Bytes file = ReadBytes(path);
+    FakeJpeg jpeg;
+    return reader::DecodeUpright(*reader::OpenPage(file, reader::FindPages(file).at(0)), jpeg, 0, 0);
 }
 
-struct Page {
-    std::shared_ptr<const reader::Bitmap> bitmap;
-
-    explicit Page(const fs::path& path) {
-        const Bytes file = ReadBytes(path);
-        FakeJpeg jpeg;
-        bitmap = reader::DecodeUpright(*reader::OpenPage(file, reader::FindPages(file).at(0)), jpeg, 0, 0);
-    }
-    bool Black(uint32_t x, uint32_t y) const { return ColourAt(*bitmap, x, y) == 0; }
-};
+// A set as settings files have it, with two areas.
+std::string StoredSet(const std::string& key, const std::string& name, const std::string& flags) {
+    const std::string rest = R"("Position:left":20,"Position:right":120,"Position:top":)";
+    return "\"" + key + R"(":{"Name":")" + name + R"(","Flags":)" + flags +
+           R"(,"DisplayRect":{"Position:bottom":100,)" + rest + R"(0},"Rect":{"0":{"Position:bottom":60,)" + rest +
+           R"(10},"1":{"Position:bottom":61,)" + rest + "11}}}";
+}
 
 class Zonhost : public ZonhostFolder {
 protected:
     void SetUp() override {
         ZonhostFolder::SetUp();
-        for (uint32_t i = 0; i < 3; ++i) WriteAll(m_folder / "in" / ("page" + std::to_string(i) + ".bmp"), PageBmp(i));
+        for (uint32_t i = 0; i < 3; ++i)
+            WriteAll(m_folder / "in" / ("page" + std::to_string(i) + ".bmp"), BmpOf(imaging::Image(MakePage(i))));
     }
 
     size_t FilesIn(const char* folder) const {
         std::error_code error;
         return static_cast<size_t>(std::distance(fs::directory_iterator(m_folder / folder, error), {}));
     }
-};
 
-// Area of both sets in pixels; an edge at n tenths touches no pixel beyond n - 1.
-bool InArea(uint32_t x, uint32_t y) {
-    return x >= 20 && x < 120 && y >= 10 && y < 60;
-}
+    // Of a result: by "Keep" or "Drop", at a resolution.
+    uint32_t WrongPixelsOf(const fs::path& result, uint32_t number, bool keep, double dpi = 254) const {
+        const auto page = ReadPage(m_folder / result);
+        EXPECT_EQ(page->Bits(), 1u);
+        EXPECT_NEAR(page->resolution.x, dpi, 0.01);
+        return WrongPixels(*MakePage(number, dpi), keep, {{20, 10, 120, 60}}, *page);
+    }
+};
 
 TEST_F(Zonhost, TheFirstSettingsOfAFolderMakeTheFolder) {
     const std::wstring settings = L"--settings new\\folder\\settings.json ";
@@ -84,16 +76,7 @@ TEST_F(Zonhost, MasksPagesByRequiredAndIgnoredSetsInEveryFormat) {
             ASSERT_EQ(result.code, 0u) << result.err;
             EXPECT_EQ(result.err, "");
             for (uint32_t i = 0; i < 3; ++i) {
-                const Page page(m_folder / out / (L"page" + std::to_wstring(i) + L"." + format));
-                EXPECT_EQ(page.bitmap->Bits(), 1u);
-                EXPECT_NEAR(page.bitmap->resolution.x, 254, 0.01);
-                int wrong = 0;
-                for (uint32_t y = 0; y < kHeight; ++y) {
-                    for (uint32_t x = 0; x < kWidth; ++x) {
-                        wrong += page.Black(x, y) != (IsBlack(i, x, y) && InArea(x, y) == required);
-                    }
-                }
-                EXPECT_EQ(wrong, 0) << i;
+                EXPECT_EQ(WrongPixelsOf(out + L"\\page" + std::to_wstring(i) + L"." + format, i, required), 0u) << i;
             }
             EXPECT_EQ(FilesIn("in"), 3u);
         }
@@ -105,58 +88,47 @@ TEST_F(Zonhost, EveryFrameOfATiffBecomesAFileAtTheResolutionAskedFor) {
     fs::copy_file(SAMPLES_DIR "/fax-pages.tif", m_folder / "fax.tif");
     ASSERT_EQ(Run(L"mask --set Drop --out out --dpi 127 fax.tif in\\page0.bmp").code, 0u);
     EXPECT_EQ(FilesIn("out"), 4u);
-    EXPECT_FALSE(Page(m_folder / "out" / "fax-02.png").Black(500, 630)) << "page n has n bars";
-    EXPECT_TRUE(Page(m_folder / "out" / "fax-03.png").Black(500, 630));
-    const Page page(m_folder / "out" / "page0.png");
-    EXPECT_NEAR(page.bitmap->resolution.x, 127, 0.01);
-    // At half the resolution the area has half the pixels.
-    int wrong = 0;
-    for (uint32_t y = 0; y < kHeight; ++y) {
-        for (uint32_t x = 0; x < kWidth; ++x) {
-            wrong += page.Black(x, y) != (IsBlack(0, x, y) && !InArea(x * 2, y * 2));
-        }
+    for (const char* page : {"fax-02.png", "fax-03.png"}) {
+        const bool black = ColourAt(*ReadPage(m_folder / "out" / page), 500, 630) == 0;
+        EXPECT_EQ(black, page[5] == '3') << "page n has n bars";
     }
-    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(WrongPixelsOf("out/page0.png", 0, false, 127), 0u);
 }
 
 TEST_F(Zonhost, SourcesAndEarlierResultsAreNeverOverwritten) {
     Import();
-    const Bytes source = PageBmp(0);
+    const fs::path page = m_folder / "in" / "page0.bmp", out = m_folder / "out" / "page0.png";
+    const std::string source = ReadAll(page), settings = Settings();
     ASSERT_EQ(Run(L"mask --set Keep --out out in\\page0.bmp").code, 0u);
-    const std::string result = ReadAll(m_folder / "out" / "page0.png");
-
-    Result again = Run(L"mask --set Drop --out out in\\page0.bmp");
-    EXPECT_EQ(again.code, 4u);
-    EXPECT_THAT(again.err, HasSubstr("page0.png is there already; use --force"));
-    EXPECT_EQ(ReadAll(m_folder / "out" / "page0.png"), result);
+    const std::string result = ReadAll(out);
+    // The result would be the source itself, by its own name and by a second one, or the settings by a link.
+    const fs::path linked = m_folder / "linked";
+    fs::create_directories(linked);
+    fs::create_hard_link(page, linked / "page0.bmp");
+    fs::create_hard_link(m_folder / "settings.json", linked / "page1.png");
+    for (const auto& [arguments, message] : {std::pair{L"out in\\page0.bmp", "page0.png is there already; use --force"},
+                                             std::pair{L"in --format bmp --force in\\page0.bmp", "is not overwritten"},
+                                             {L"linked --format bmp --force in\\page0.bmp", "is not overwritten"},
+                                             {L"linked --force in\\page1.bmp", "is the settings file"}}) {
+        const Result refused = Run(std::wstring(L"mask --set Drop --out ") + arguments);
+        EXPECT_EQ(refused.code, 4u);
+        EXPECT_THAT(refused.err, HasSubstr(message));
+    }
+    EXPECT_EQ(ReadAll(out), result);
+    EXPECT_EQ(ReadAll(page), source);
+    EXPECT_EQ(Settings(), settings);
     EXPECT_EQ(Run(L"mask --set Drop --out out --force in\\page0.bmp").code, 0u);
-    EXPECT_NE(ReadAll(m_folder / "out" / "page0.png"), result);
-
-    // The result would be the source itself, by its own name and by a second one.
-    again = Run(L"mask --set Drop --out in --format bmp --force in\\page0.bmp");
-    EXPECT_EQ(again.code, 4u);
-    EXPECT_THAT(again.err, HasSubstr("is not overwritten"));
-    fs::create_directories(m_folder / "linked");
-    ASSERT_TRUE(
-        CreateHardLinkW((m_folder / "linked" / "page0.bmp").c_str(), (m_folder / "in" / "page0.bmp").c_str(), nullptr));
-    EXPECT_EQ(Run(L"mask --set Drop --out linked --format bmp --force in\\page0.bmp").code, 4u);
-    EXPECT_EQ(ReadBytes(m_folder / "in" / "page0.bmp"), source);
-    EXPECT_EQ(ReadBytes(m_folder / "linked" / "page0.bmp"), source);
-    // Nor the settings, by a link.
-    const std::string settings = Settings();
-    ASSERT_TRUE(
-        CreateHardLinkW((m_folder / "linked" / "page1.png").c_str(), (m_folder / "settings.json").c_str(), nullptr));
-    EXPECT_THAT(Run(L"mask --set Drop --out linked --force in\\page1.bmp").err, HasSubstr("is the settings file"));
-    EXPECT_EQ(ReadAll(m_folder / "linked" / "page1.png"), settings);
+    EXPECT_NE(ReadAll(out), result);
 }
 
 TEST_F(Zonhost, NamesAreAsLongAsTheFileSystemTakes) {
     Import();
     fs::create_directories(m_folder / "long");
     const std::wstring names[] = {std::wstring(222, 'a'), std::wstring(251, 'b'), std::wstring(83, 0x4E2D)};
-    for (const std::wstring& name : names) WriteAll(m_folder / "long" / (name + L".bmp"), PageBmp(0));
+    const fs::path page = m_folder / "in" / "page0.bmp";
+    for (const std::wstring& name : names) fs::copy_file(page, m_folder / "long" / (name + L".bmp"));
     const std::wstring tooLong = L"long\\" + std::wstring(253, 'c') + L".b";
-    WriteAll(m_folder / tooLong, PageBmp(0));
+    fs::copy_file(page, m_folder / tooLong);
     const Result result = Run(L"mask --set Keep --out out long " + tooLong);
     EXPECT_EQ(result.code, 1u) << result.err;
     EXPECT_THAT(result.err, HasSubstr("ccc.b: out\\ccc"));
@@ -186,9 +158,8 @@ TEST_F(Zonhost, UnfinishedFilesOfEndedProcessesOfThisMachineAreRemoved) {
 
 TEST_F(Zonhost, BadPagesAreToldAndTheOthersDone) {
     Import();
-    const Bytes whole = PageBmp(0);
     WriteAll(m_folder / "in" / "broken.png", "no image at all");
-    WriteAll(m_folder / "in" / "cut.bmp", std::span(whole).first(700));
+    WriteAll(m_folder / "in" / "cut.bmp", ReadAll(m_folder / "in" / "page0.bmp").substr(0, 700));
     WriteAll(m_folder / "in" / "empty.tif", "");
     // The folder of the pages is the current one; no library may be taken from there.
     for (const char* name : {"Zonwick.dll", "Zonwick.en.dll", "HostSettings.dll", "HostControls.dll",
@@ -231,7 +202,7 @@ TEST_F(Zonhost, WhatCannotBeDoneIsToldAndLeavesTheSettingsAlone) {
     WriteAll(m_folder / "more.json", R"({"sets":[{"name":"New","mode":"required","areas":[]}]})");
     WriteAll(m_folder / "zones.uzn", "10 10 20 20\n1 2 3\n");
     WriteAll(m_folder / "damaged.json", "{\n\"a\": {\n");
-    ASSERT_TRUE(CreateHardLinkW((m_folder / "link.json").c_str(), (m_folder / "settings.json").c_str(), nullptr));
+    fs::create_hard_link(m_folder / "settings.json", m_folder / "link.json");
     const struct {
         const wchar_t* arguments;
         DWORD code;
@@ -298,24 +269,17 @@ TEST_F(Zonhost, SetsThatWereNotReadWholeAreNeverMaskedWith) {
         {"\"Position:top\":11", "\"Position:top\":2147483648", "area \"1\": Position:top is no whole number"},
         {"\"Position:top\":10", "\"Top\":10", "area \"0\": Position:top is missing"},
     };
-    const auto set = [](uint32_t id, const std::string& name) {
-        return "\"" + zonhost::KeyOfId(id) + "\":{\"Name\":\"" + name +
-               "\",\"Flags\":" + (id % 2 == 0 ? "0" : "268435456") +
-               ",\"DisplayRect\":{\"Position:bottom\":9,\"Position:left\":0,\"Position:right\":9,\"Position:top\":0},"
-               "\"Rect\":{\"0\":{\"Position:bottom\":60,\"Position:left\":20,\"Position:right\":120,\"Position:top\":"
-               "10},"
-               "\"1\":{\"Position:bottom\":61,\"Position:left\":20,\"Position:right\":120,\"Position:top\":11}}}";
-    };
     std::string settings = "{";
     uint32_t id = 2;
     for (const auto& c : cases) {
-        std::string bad = set(id, "Set" + std::to_string(id));
+        std::string bad = StoredSet(zonhost::KeyOfId(id), "Set" + std::to_string(id), id % 2 == 0 ? "0" : "268435456");
         bad.replace(bad.find(c.good), std::string(c.good).size(), c.bad);
         settings += bad + ",";
         ++id;
     }
     // Behind the damaged sets.
-    WriteAll(m_folder / "settings.json", settings + set(100, "Keep") + "," + set(101, "Drop") + "}");
+    settings += StoredSet("0x00000064", "Keep", "0") + "," + StoredSet("0x00000065", "Drop", "268435456") + "}";
+    WriteAll(m_folder / "settings.json", settings);
     const Result list = Run(L"sets list");
     EXPECT_EQ(list.code, 3u);
     EXPECT_THAT(list.out, HasSubstr("0x00000064  Keep      2"));
@@ -326,11 +290,9 @@ TEST_F(Zonhost, SetsThatWereNotReadWholeAreNeverMaskedWith) {
         ++id;
     }
     EXPECT_EQ(FilesIn("out"), 0u);
-    for (const bool keep : {true, false}) {
-        EXPECT_EQ(Run(std::wstring(L"mask in\\page0.bmp --force --out out --set ") + (keep ? L"Keep" : L"Drop")).code,
-                  0u);
-        EXPECT_EQ(Page(m_folder / "out" / "page0.png").Black(20, 10), IsBlack(0, 20, 10) && keep);
-    }
+    EXPECT_EQ(Run(L"mask in\\page0.bmp --out out --set Drop").code, 0u);
+    const auto page = ReadPage(m_folder / "out" / "page0.png");
+    EXPECT_EQ(WrongPixels(*MakePage(0), false, {{20, 10, 120, 61}}, *page), 0u);
     EXPECT_EQ(Run(L"manage").code, 3u) << "opened over what its OK would lose";
     fs::rename(m_folder / "settings.json", m_folder / "bad.json");
     EXPECT_THAT(Run(L"sets import bad.json").err, HasSubstr("area set 4: Name is missing"));
@@ -338,11 +300,9 @@ TEST_F(Zonhost, SetsThatWereNotReadWholeAreNeverMaskedWith) {
 }
 
 TEST_F(Zonhost, NamesThatAreTooLongOrFullOfCommandsAreShownAndDoNoHarm) {
-    const std::string name = "\\u001b[31m\\u009b\\u202e" + std::string(70, 'n'), longName(64, 'n');
-    const std::string rest = R"(","Flags":0,"Rect":{"0":{"Position:bottom":9,"Position:left":0,"Position:right":9,)"
-                             R"("Position:top":0}}})";
+    const std::string name = "\\u001b[31m\\u009b\\u202e" + std::string(70, 'n');
     WriteAll(m_folder / "settings.json",
-             R"({"2":{"Name":")" + name + rest + R"(,"3":{"Name":")" + longName + rest + "}");
+             "{" + StoredSet("2", name, "0") + "," + StoredSet("3", std::string(64, 'n'), "0") + "}");
     for (const wchar_t* command : {L"sets list", L"sets export", L"sets show 2"}) {
         const Result result = Run(command);
         EXPECT_EQ(result.code, 0u) << result.err;

@@ -4,10 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstring>
 
 #include "host/PageImage.h"
-#include "imaging/TestImage.h"
 #include "refhost/com/ClassRegistration.h"
 #include "refhost/documents/PixelAccess.h"
 #include "refhost/imaging/HostImaging.h"
@@ -286,37 +284,6 @@ TEST_F(HostDocuments, BlankPages) {
     EXPECT_EQ(PixelsOf(image).width, 200u);
     ASSERT_EQ(image->CreateBlank(1, 1, 9600, 9600, 0), S_OK);
     EXPECT_EQ(SizeOf(image).cx, 1);
-}
-
-// A square page of 1 bit: all paper but for its first pixel.
-Bytes SquareBmp(uint32_t side, uint32_t dotsPerMetre) {
-    const auto page = std::make_shared<reader::Bitmap>(side, side, 1);
-    page->palette = {0xFFFFFF, 0};
-    std::fill_n(page->Data(), page->Size(), uint8_t{0});
-    page->Row(0)[0] = 0x80;
-    Bytes file = BmpOf(imaging::Image(page));
-    for (const size_t at : {38, 42}) std::memcpy(&file[at], &dotsPerMetre, 4);
-    return file;
-}
-
-TEST_F(HostDocuments, SmallestAndLargestPages) {
-    struct Case {
-        uint32_t side;
-        uint32_t dotsPerMetre;
-        LONG size;
-    };
-    const Case cases[] = {{1, 7874, 1}, {1, 377953, 1}, {30000, 23622, 12700}, {30000, 39, 38100}, {30000, 0, 38100}};
-    for (const Case& item : cases) {
-        const IImageLoaderPtr image = MakeImage();
-        ASSERT_EQ(LoadInto(image, SquareBmp(item.side, item.dotsPerMetre)), S_OK);
-        const PagePixels pixels = PixelsOf(image);
-        EXPECT_EQ(pixels.width, item.side);
-        EXPECT_EQ(SizeOf(image).cx, item.size) << item.side << " at " << item.dotsPerMetre;
-        EXPECT_TRUE(IsInk(pixels, 0, 0));
-        if (item.side > 1) {
-            EXPECT_FALSE(IsInk(pixels, item.side - 1, item.side - 1));
-        }
-    }
 }
 
 }  // namespace

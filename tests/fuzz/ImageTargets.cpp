@@ -3,57 +3,12 @@
 #include <cstring>
 
 #include "fuzz/Targets.h"
-#include "refhost/imaging/Image.h"
-#include "refhost/imaging/Mask.h"
+#include "imaging/TestImage.h"
 #include "refhost/reader/Page.h"
-#include "refhost/reader/Tiff.h"
 #include "support/FakeJpeg.h"
 
 namespace fuzz {
 namespace {
-
-using imaging::Area;
-using reader::Bitmap;
-
-constexpr uint32_t kBits[] = {1, 8, 24, 32};
-
-// Every pixel differs from the paper.
-Bitmap MakeImage(Input& input) {
-    const uint32_t bits = kBits[input.Byte() % 4];
-    Bitmap image(1 + input.Byte() % 100, 1 + input.Byte() % 40, bits);
-    image.resolution = {10.0 + input.Byte() * 3, 10.0 + input.Byte() * 3 + input.Byte() / 256.0, false};
-    if (bits == 1) image.palette = reader::BlackWhitePalette();
-    if (bits == 8) image.palette = reader::GreyPalette();
-    std::memset(image.Data(), 0, image.Size());
-    return image;
-}
-
-bool IsPaper(const Bitmap& image, const std::vector<uint8_t>& pixels, uint32_t x, uint32_t y) {
-    const uint8_t* row = pixels.data() + image.RowOffset(y);
-    if (image.Bits() == 1) return (row[x / 8] >> (7 - x % 8) & 1) != 0;
-    return row[size_t{x} * image.Bits() / 8] == 0xFF;
-}
-
-std::vector<uint8_t> Masked(const Bitmap& image, bool keep, const std::vector<Area>& areas) {
-    std::vector<uint8_t> pixels(image.Size(), 0xA5);
-    imaging::CopyMasked(image, imaging::MakeMask(image, keep, areas), pixels.data());
-    return pixels;
-}
-
-// Whether a stretch of the page has a part of a pixel's: multiplied up, so that nothing is rounded.
-bool Touches(int64_t from, int64_t to, uint32_t pixel, double dpi) {
-    const auto scaled = static_cast<int64_t>(dpi * 256);
-    const int64_t pixelSize = 254 * 256;
-    if (from > to) std::swap(from, to);
-    return from != to && from * scaled < (int64_t{pixel} + 1) * pixelSize && to * scaled > pixel * pixelSize;
-}
-
-bool IsCovered(const Bitmap& image, const std::vector<Area>& areas, uint32_t x, uint32_t y) {
-    return std::ranges::any_of(areas, [&](const Area& area) {
-        return Touches(area.left, area.right, x, image.resolution.x) &&
-               Touches(area.top, area.bottom, y, image.resolution.y);
-    });
-}
 
 void CheckFrame(std::span<const uint8_t> file, const reader::TiffDirectory& frame) {
     const std::vector<uint8_t> alone = reader::ExtractTiffFrame(file, frame);
@@ -67,10 +22,7 @@ void CheckFrame(std::span<const uint8_t> file, const reader::TiffDirectory& fram
 void CheckBmp(std::span<const uint8_t> file) {
     try {
         const auto bitmap = imaging::ReadBmp(file);
-        const imaging::Image image(bitmap);
-        std::vector<uint8_t> written(image.BmpSize());
-        image.WriteBmp(written.data());
-        const auto again = imaging::ReadBmp(written);
+        const auto again = imaging::ReadBmp(BmpOf(imaging::Image(bitmap)));
         Require(again->Width() == bitmap->Width() && again->Height() == bitmap->Height() &&
                     std::memcmp(again->Data(), bitmap->Data(), bitmap->Size()) == 0,
                 "an image reads back from a BMP file");
@@ -82,17 +34,16 @@ void CheckBmp(std::span<const uint8_t> file) {
 }  // namespace
 
 void image_mask(Input input) {
-    const Bitmap image = MakeImage(input);
-    std::vector<Area> areas(input.Byte() % 40);
-    for (Area& area : areas) area = {input.Coordinate(), input.Coordinate(), input.Coordinate(), input.Coordinate()};
-    const auto kept = Masked(image, true, areas);
-    const auto ignored = Masked(image, false, areas);
-    for (uint32_t y = 0; y < image.Height(); ++y) {
-        for (uint32_t x = 0; x < image.Width(); ++x) {
-            const bool covered = IsCovered(image, areas, x, y);
-            Require(IsPaper(image, ignored, x, y) == covered, "ignored areas are masked, and nothing else");
-            Require(IsPaper(image, kept, x, y) == !covered, "kept areas are the complement");
-        }
+    constexpr uint32_t kBits[] = {1, 8, 24, 32};
+    const uint32_t bits = kBits[input.Byte() % 4];
+    const uint32_t width = 1 + input.Byte() % 100, height = 1 + input.Byte() % 40;
+    const double dpiX = 10.0 + input.Byte() * 3, dpiY = 10.0 + input.Byte() * 3;
+    const auto image = MakeTestImage(width, height, bits, dpiX, dpiY + input.Byte() / 256.0);
+    std::vector<imaging::Area> areas(input.Byte() % 40);
+    for (auto& area : areas) area = {input.Coordinate(), input.Coordinate(), input.Coordinate(), input.Coordinate()};
+    for (const bool keep : {true, false}) {
+        const imaging::Image masked(imaging::Image(image), keep, areas);
+        Require(WrongPixels(*image, keep, areas, *masked.Pixels()) == 0, "areas are kept or masked, and nothing else");
     }
 }
 
@@ -122,11 +73,7 @@ void page_file(Input input) {
         Require(!error.text.empty(), "a refused page says why");
     }
 
-    const uint32_t frames = reader::CountTiffFrames([&](uint32_t offset, uint8_t* to, size_t size) {
-        if (offset > file.size() || file.size() - offset < size) return false;
-        std::memcpy(to, file.data() + offset, size);
-        return true;
-    });
+    const uint32_t frames = reader::CountTiffFrames(ReaderOf(file));
     Require(frames == 0 || reader::IsTiff(file), "only a TIFF file has frames");
     for (uint32_t frame = 0; frame < kMostPages; ++frame) {
         if (const auto directory = reader::TiffFrame(file, frame)) CheckFrame(file, *directory);

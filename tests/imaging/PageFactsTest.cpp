@@ -7,7 +7,6 @@
 #include "imaging/TestImage.h"
 #include "refhost/reader/Bytes.h"
 #include "refhost/reader/Page.h"
-#include "refhost/reader/Tiff.h"
 #include "support/FakeJpeg.h"
 #include "support/Files.h"
 
@@ -115,14 +114,6 @@ TEST(Tiff, FrameTakenOutHasItsOwnPiecesOnly) {
         EXPECT_TRUE(std::equal(whole->Data(), whole->Data() + whole->Size(), alone->Data())) << frame;
     }
     EXPECT_FALSE(TiffFrame(file, 3));
-}
-
-ReadAt ReaderOf(const Bytes& file) {
-    return [&file](uint32_t offset, uint8_t* to, size_t size) {
-        if (offset > file.size() || file.size() - offset < size) return false;
-        std::copy_n(file.begin() + static_cast<ptrdiff_t>(offset), size, to);
-        return true;
-    };
 }
 
 // Where the first directory says where the next one is.
