@@ -46,6 +46,17 @@ INT_PTR ListDialog::Play(Steps steps) {
     return result;
 }
 
+INT_PTR ListDialog::Run(const Script& script) {
+    INT_PTR result = -1;
+    PlayScript(script, [&] {
+        result = DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(kTemplate), nullptr, Proc,
+                                 reinterpret_cast<LPARAM>(this));
+    });
+    m_list.Detach();
+    EXPECT_TRUE(TakeTraces().empty()) << "a failure was swallowed";
+    return result;
+}
+
 INT_PTR CALLBACK ListDialog::Proc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_INITDIALOG) {
         SetWindowLongPtrW(dialog, DWLP_USER, lParam);

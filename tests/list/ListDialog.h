@@ -9,6 +9,7 @@
 
 #include "configure/ListTableCtrl.h"
 #include "win32/DialogDriver.h"
+#include "win32/DialogScript.h"
 
 namespace test {
 
@@ -40,6 +41,7 @@ public:
 
     // Shows it, with the focus in the list and row 0 selected when there is one, and plays the steps.
     INT_PTR Play(Steps steps);
+    INT_PTR Run(const Script& script);
 
     CListTableCtrl& List() { return m_list; }
     std::wstring Cell(int row, int column) const { return m_list.GetItemText(row, column); }

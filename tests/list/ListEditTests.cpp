@@ -85,31 +85,29 @@ TEST(ListEdit, EnterIsTheDialogsWhereThereIsNothingToEdit) {
 
 TEST(ListEdit, TabWalksTheCellsAndLeadsOut) {
     ListDialog list(2);
-    list.Play({Key(VK_F2),
-               Type(L"1"),
-               Key(VK_TAB),
-               Expect(list, L"0,1:r0c1"),
-               Type(L"2"),
-               Key(VK_TAB),
-               Expect(list, L"0,3:"),
-               Key(VK_TAB),
-               Expect(list, L"1,0:r1c0"),
-               [&](HWND) { EXPECT_EQ(list.SelectedRow(), 1); },
-               Key(VK_TAB, VK_SHIFT),
-               Expect(list, L"0,3:"),
-               Key(VK_TAB),
-               Key(VK_TAB),
-               Key(VK_TAB),
-               Expect(list, L"1,3:"),
-               Key(VK_TAB),
-               [](HWND) {},
-               [&](HWND dialog) { EXPECT_TRUE(list.HasFocus(GetDlgItem(dialog, IDOK))); },
-               Key(VK_TAB, VK_SHIFT),
-               [&](HWND) { list.List().EditCell(0, 0); },
-               Key(VK_TAB, VK_SHIFT),
-               [](HWND) {},
-               [&](HWND dialog) { EXPECT_TRUE(list.HasFocus(GetDlgItem(dialog, test::kFieldId))); },
-               test::Close});
+    list.Run([&](HWND dialog) {
+        const auto tab = [&](const wchar_t* edited, WORD modifier = 0) {
+            test::Key(VK_TAB, modifier);
+            EXPECT_EQ(list.EditedCellText(), edited);
+        };
+        test::Key(VK_F2);
+        test::Type(L"1");
+        tab(L"0,1:r0c1");
+        test::Type(L"2");
+        tab(L"0,3:");
+        tab(L"1,0:r1c0");
+        EXPECT_EQ(list.SelectedRow(), 1);
+        tab(L"0,3:", VK_SHIFT);
+        test::Key(VK_TAB, 0, 2);
+        tab(L"1,3:");
+        tab(L"");
+        EXPECT_TRUE(list.HasFocus(GetDlgItem(dialog, IDOK)));
+        test::Key(VK_TAB, VK_SHIFT);
+        list.List().EditCell(0, 0);
+        tab(L"", VK_SHIFT);
+        EXPECT_TRUE(list.HasFocus(GetDlgItem(dialog, test::kFieldId)));
+        test::Close(dialog);
+    });
     EXPECT_EQ(list.edited, (std::vector<EditedCell>{{0, 0, L"1", 100}, {0, 1, L"2", 100}}));
 }
 
@@ -138,32 +136,26 @@ TEST(ListEdit, ABoxOfTheParentEndsCleanly) {
     list.onEdited = [&](const EditedCell&) {
         MessageBoxW(GetParent(list.List().GetSafeHwnd()), L"Wrong number", L"Box", MB_OK);
     };
-    const auto leave = [&](const std::function<void(HWND)>& action) {
-        return Steps{Key(VK_F2),
-                     Type(L"12a"),
-                     action,
-                     [](HWND) {},
-                     [](HWND) {},
-                     [](HWND box) {
-                         EXPECT_EQ(GetTextOfWindow(box), L"Box");
-                         PressKey(VK_RETURN);
-                     },
-                     [](HWND) {},
-                     [](HWND) {},
-                     [&](HWND dialog) {
-                         EXPECT_EQ(GetTextOfWindow(dialog), L"List");
-                         EXPECT_EQ(GetCapture(), nullptr);
-                         EXPECT_EQ(list.Cell(0, 0), L"12a");
-                     },
-                     test::Close};
+    const std::pair<const wchar_t*, std::function<void(HWND)>> ways[] = {
+        {L"", [](HWND dialog) { test::Click(GetDlgItem(dialog, IDOK)); }},
+        {L"", [&](HWND) { test::Click(list.CellPoint(2, 0)); }},
+        {L"", [](HWND) { test::Key(VK_RETURN); }},
+        {L"0,1:r0c1", [](HWND) { test::Key(VK_TAB); }},  // goes on behind the box
     };
-    const std::function<void(HWND)> actions[] = {[](HWND dialog) { test::ClickOn(GetDlgItem(dialog, IDOK)); },
-                                                 [&](HWND) { test::ClickAt(list.CellPoint(2, 0)); }, Key(VK_RETURN)};
-    for (const auto& action : actions) EXPECT_EQ(list.Play(leave(action)), 0);
-    // Tab goes on behind the box.
-    Steps steps = leave(Key(VK_TAB));
-    steps.insert(steps.end() - 1, Expect(list, L"0,1:r0c1"));
-    EXPECT_EQ(list.Play(steps), 0);
+    for (const auto& [edited, leave] : ways) {
+        list.Run([&](HWND dialog) {
+            test::Key(VK_F2);
+            test::Type(L"12a");
+            leave(dialog);
+            EXPECT_EQ(GetTextOfWindow(test::TopDialog()), L"Box");
+            test::Key(VK_RETURN);
+            EXPECT_EQ(test::TopDialog(), dialog);
+            EXPECT_EQ(GetCapture(), nullptr);
+            EXPECT_EQ(list.Cell(0, 0), L"12a");
+            EXPECT_EQ(list.EditedCellText(), edited);
+            test::Close(dialog);
+        });
+    }
     EXPECT_EQ(list.edited.size(), 4U);
 }
 
