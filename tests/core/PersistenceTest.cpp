@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cwctype>
 #include <limits>
 
 #include "store/AreaSetManager.h"
-#include "store/SettingsKeys.h"
 #include "support/MemoryNode.h"
 #include "support/TraceRecorder.h"
 
@@ -50,16 +50,18 @@ protected:
     }
 
     static void WriteRect(const std::shared_ptr<NodeData>& node, const PageRect& rect) {
-        node->integers = {
-            {kKeyLeft, rect.left}, {kKeyTop, rect.top}, {kKeyRight, rect.right}, {kKeyBottom, rect.bottom}};
+        node->integers = {{host::kKeyLeft, rect.left},
+                          {host::kKeyTop, rect.top},
+                          {host::kKeyRight, rect.right},
+                          {host::kKeyBottom, rect.bottom}};
     }
 
     CAreaSetManager m_manager{Root, L"ZonwickTestMutex"};
 };
 
 TEST_F(PersistenceTest, SetKeysReadBackAsSignedHexadecimal) {
-    EXPECT_EQ(MakeSetKey(42), L"0x0000002a");
-    EXPECT_EQ(MakeSetKey(0xFFFFFFFF), L"0xffffffff");
+    EXPECT_EQ(host::MakeSetKey(42), L"0x0000002a");
+    EXPECT_EQ(host::MakeSetKey(0xFFFFFFFF), L"0xffffffff");
     const struct {
         const wchar_t* key;
         uint32_t id;
@@ -67,6 +69,8 @@ TEST_F(PersistenceTest, SetKeysReadBackAsSignedHexadecimal) {
         {L"0x0000002a", 42},
         {L"2A", 42},
         {L" \t+0X2a rest", 42},
+        {L"\u00a0\u2003\u30002A", 42},
+        {L"\u200b2A", 0},
         {L"-1", 0xFFFFFFFF},
         {L"0x80000001", 0x7FFFFFFF},
         {L"ffffffffffffffffffff", 0x7FFFFFFF},
@@ -78,7 +82,13 @@ TEST_F(PersistenceTest, SetKeysReadBackAsSignedHexadecimal) {
         {L"face", 0xFACE},
         {L"- 1", 0},
     };
-    for (const auto& [key, id] : cases) EXPECT_EQ(ParseSetKey(key), id) << testing::PrintToString(key);
+    for (const auto& [key, id] : cases) EXPECT_EQ(host::ParseSetKey(key), id) << testing::PrintToString(key);
+#ifdef _WIN32
+    // The runtime library of the target tells what is white space.
+    for (int c = 0; c < 0x10000; ++c) {
+        EXPECT_EQ(host::IsSpace(static_cast<wchar_t>(c)), std::iswspace(static_cast<wint_t>(c)) != 0) << c;
+    }
+#endif
 }
 
 TEST_F(PersistenceTest, StoresInTheDocumentedLayout) {
@@ -139,12 +149,12 @@ TEST_F(PersistenceTest, ReadsDamagedSetsAsFarAsTheyGo) {
     g_root->Child(L"no identifier")->strings[L"Name"] = L"skipped";
     auto bare = g_root->Child(L"0x00000001");
     auto partial = g_root->Child(L"0x00000002");
-    partial->Child(L"DisplayRect")->integers = {{kKeyBottom, 1}, {kKeyLeft, 2}, {kKeyRight, 3}};
+    partial->Child(L"DisplayRect")->integers = {{host::kKeyBottom, 1}, {host::kKeyLeft, 2}, {host::kKeyRight, 3}};
     WriteRect(partial->Child(L"Rect")->Child(L"b"), {9, 9, 1, 1});
     partial->Child(L"Rect")->Child(L"a");
-    partial->integers[kKeyFlags] = 0x5'10000001;  // the low 32 bits count
-    auto twin = g_root->Child(L"1");              // the same identifier once more
-    twin->strings[kKeyName] = L"twin";
+    partial->integers[host::kKeyFlags] = 0x5'10000001;  // the low 32 bits count
+    auto twin = g_root->Child(L"1");                    // the same identifier once more
+    twin->strings[host::kKeyName] = L"twin";
     WriteRect(twin->Child(L"Rect")->Child(L"0"), {1, 1, 2, 2});
 
     EXPECT_TRUE(m_manager.LoadSettings());

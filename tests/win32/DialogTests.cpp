@@ -9,6 +9,7 @@
 #include "support/TraceRecorder.h"
 #include "test_resource.h"
 #include "win32/DialogDriver.h"
+#include "win32/Resources.h"
 
 namespace {
 
@@ -160,25 +161,28 @@ TEST_F(DialogLayer, ResultsOfNotificationsReachTheSender) {
 }
 
 TEST_F(DialogLayer, RefusedNumbersKeepTheDialogOpenWithTheFieldSelected) {
+    win32::SetApplicationName(L"Scanner");
     for (const wchar_t* text : {L"", L"  ", L"12a", L"210,5", L"1500.01", L"-1", L"inf", L"nan", L"0x10", L"1e400"}) {
         TestDlg dialog;
         HWND focus = nullptr;
         DWORD selection = 0;
-        test::PlayDialog({[&](HWND window) { SetDlgItemTextW(window, IDC_TEST_NUMBER, text); }, kButton, kOk,
-                          [&](HWND window) {
-                              focus = GetFocus();
-                              EXPECT_EQ(focus, GetDlgItem(window, IDC_TEST_NUMBER));
-                              selection = static_cast<DWORD>(SendMessageW(focus, EM_GETSEL, 0, 0));
-                          },
-                          test::Cancel},
-                         [&] {
-                             dialog.m_onButton = [] {};
-                             EXPECT_EQ(dialog.DoModal(), IDCANCEL);
-                         });
+        test::PlayDialog(
+            {[&](HWND window) { SetDlgItemTextW(window, IDC_TEST_NUMBER, text); }, kButton, kOk, test::AnswerBox,
+             [&](HWND window) {
+                 focus = GetFocus();
+                 EXPECT_EQ(focus, GetDlgItem(window, IDC_TEST_NUMBER));
+                 selection = static_cast<DWORD>(SendMessageW(focus, EM_GETSEL, 0, 0));
+             },
+             test::Cancel},
+            [&] {
+                dialog.m_onButton = [] {};
+                EXPECT_EQ(dialog.DoModal(), IDCANCEL);
+            });
         EXPECT_EQ(selection, static_cast<DWORD>(MAKELONG(0, wcslen(text))));
         EXPECT_EQ(dialog.m_fNumber, 1.0F);
         const auto boxes = test::TakeBoxes();
         ASSERT_EQ(boxes.size(), 1U) << testing::PrintToString(text);
+        EXPECT_EQ(boxes[0].caption, L"Scanner");
         EXPECT_EQ(boxes[0].text,
                   L"Field: please enter a number from 0 to 1500. Write decimals with a point, for example 8.5.");
     }
