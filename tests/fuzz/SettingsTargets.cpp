@@ -10,6 +10,7 @@
 #include "refhost/settings/TreeText.h"
 #include "store/AreaSetManager.h"
 #include "store/SettingsNode.h"
+#include "support/TraceRecorder.h"
 
 namespace fuzz {
 namespace {
@@ -142,6 +143,7 @@ void settings_file(Input input) {
     if (Manager().WasLastLoadComplete() && Store()) RequireStable(sets);
     RequireSameTree(root);
     Manager().Forget();
+    test::TakeTraces();
 }
 
 void set_key(Input input) {
