@@ -24,12 +24,14 @@ TEST_F(GermanDialogs, ManageAndItsDialogs) {
                           EXPECT_EQ(GetTextOfWindow(dialog), L"Papierformat wählen");
                           Push(dialog, IDC_PAPER_CUSTOM);
                           SetDlgItemTextW(dialog, IDC_PAPER_WIDTH, L"breit");
-                          PressOk(dialog);
+                          Post(dialog, IDOK);
                       },
-                      [this](HWND dialog) {
-                          const std::vector<std::wstring> boxes = TakeHostBoxes();
+                      AnswerBox,
+                      [](HWND dialog) {
+                          const std::vector<Box> boxes = TakeBoxes();
                           ASSERT_EQ(boxes.size(), 1u);
-                          EXPECT_TRUE(boxes[0].starts_with(L"Breite: Bitte geben Sie eine Zahl von ")) << boxes[0];
+                          EXPECT_TRUE(boxes[0].text.starts_with(L"Breite: Bitte geben Sie eine Zahl von "))
+                              << boxes[0].text;
                           PressCancel(dialog);
                       },
                       [](HWND) { PressKey('K', VK_MENU); },

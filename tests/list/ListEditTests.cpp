@@ -41,7 +41,7 @@ TEST(ListEdit, EveryWayInOneWayOut) {
                                           },
                                           test::Close});
         EXPECT_EQ(result, 0) << "Enter reached the dialog";
-        EXPECT_EQ(list.edited, (std::vector<EditedCell>{{0, 0, L" 12", 100}}));
+        EXPECT_EQ(list.edited, (std::vector<EditedCell>{{0, 0, L"12", 100}}));
     }
 }
 
