@@ -26,7 +26,7 @@ TEST(ListEdit, EveryWayInOneWayOut) {
             EXPECT_TRUE(list.ListHasFocus());
         }
     });
-    EXPECT_EQ(list.edited, (std::vector<EditedCell>{{0, 0, L" 0", 100}, {0, 0, L" 1", 100}, {0, 0, L" 2", 100}}));
+    EXPECT_EQ(list.edited, (std::vector<EditedCell>{{0, 0, L"0", 100}, {0, 0, L"1", 100}, {0, 0, L"2", 100}}));
 }
 
 TEST(ListEdit, ClicksThatOnlySelect) {
