@@ -5,10 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "host/StoredSettings.h"
+
 namespace zonhost {
 
-// The areas are the parts of the page to leave out.
-inline constexpr uint32_t kAreasIgnored = 0x10000000;
+using host::kAreasIgnored;
 // UTF-16 units of a name; a longer one could not be found by the exports.
 inline constexpr size_t kLongestName = 63;
 

@@ -6,6 +6,7 @@
 class CLang {
 public:
     // The handle from which the dialogs, menus and strings of `instance` are loaded: a localised resource module with
-    // the same identifiers, or `instance` itself. Stays valid as long as `instance`.
+    // the same identifiers, or `instance` itself. Stays valid as long as `instance`. Asked for the logger and again for
+    // the module.
     static HINSTANCE GetResourceHandle(HINSTANCE instance);
 };

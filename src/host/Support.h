@@ -6,12 +6,9 @@
 
 #include <cstdarg>
 
-namespace Log {
+#include "host/Severity.h"
 
-enum Severity : int {
-    kError = 2,       // concerns the user or the data
-    kDiagnostic = 6,  // names the failing operation
-};
+namespace Log {
 
 // A message of the host's own table; its text is the host's.
 enum Message : unsigned int {};

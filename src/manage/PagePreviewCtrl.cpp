@@ -7,18 +7,18 @@
 
 namespace {
 
-constexpr const char* kSource = "PagePreviewCtrl";
+constexpr const char* kSource = host::kSourcePagePreviewCtrl;
 
-HBRUSH BrushOf(PreviewColor color) {
+COLORREF ColorOf(PreviewColor color) {
     switch (color) {
         case PreviewColor::kWindow:
-            return GetSysColorBrush(COLOR_WINDOW);
+            return GetSysColor(COLOR_WINDOW);
         case PreviewColor::kHighlight:
-            return GetSysColorBrush(COLOR_HIGHLIGHT);
+            return GetSysColor(COLOR_HIGHLIGHT);
         case PreviewColor::kFace:
             break;
     }
-    return GetSysColorBrush(COLOR_BTNFACE);
+    return GetSysColor(COLOR_BTNFACE);
 }
 
 }  // namespace
@@ -65,8 +65,14 @@ void CPagePreviewCtrl::OnPaint() {
 }
 
 void CPagePreviewCtrl::Draw(HDC dc) const {
+    const HGDIOBJ pen = SelectObject(dc, GetStockObject(DC_PEN));
+    const HGDIOBJ brush = SelectObject(dc, GetStockObject(DC_BRUSH));
     for (const PreviewShape& shape : m_layout.GetShapes()) {
-        const RECT rect = {shape.rect.left, shape.rect.top, shape.rect.right, shape.rect.bottom};
-        FillRect(dc, &rect, BrushOf(shape.color));
+        // Orders the corners of a page whose width or height is negative, unlike FillRect.
+        SetDCPenColor(dc, ColorOf(shape.color));
+        SetDCBrushColor(dc, ColorOf(shape.color));
+        Rectangle(dc, shape.rect.left, shape.rect.top, shape.rect.right, shape.rect.bottom);
     }
+    SelectObject(dc, brush);
+    SelectObject(dc, pen);
 }

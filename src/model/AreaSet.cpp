@@ -2,18 +2,16 @@
 
 #include <utility>
 
+#include "host/Lengths.h"
 #include "trace/Trace.h"
 
 namespace {
 
-constexpr const char* kSource = "AreaSet";
+constexpr const char* kSource = host::kSourceAreaSet;
 
 }  // namespace
 
-CAreaRect::CAreaRect(const PageRect& rect) : m_rect(rect) {
-    if (m_rect.left > m_rect.right) std::swap(m_rect.left, m_rect.right);
-    if (m_rect.top > m_rect.bottom) std::swap(m_rect.top, m_rect.bottom);
-}
+CAreaRect::CAreaRect(const PageRect& rect) : m_rect(host::Normalized(rect)) {}
 
 CAreaSet::CAreaSet(std::wstring name, uint32_t dwID) : m_strName(std::move(name)), m_dwID(dwID) {}
 

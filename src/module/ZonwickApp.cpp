@@ -50,10 +50,9 @@ CZonwickApp::~CZonwickApp() {
 
 void CZonwickApp::InitInstance(HINSTANCE instance) {
     trace::SetTraceInstance(instance);
-    const HINSTANCE resources = CLang::GetResourceHandle(instance);
-    CLogBase::InitImpl(L"", instance, resources);
-    win32::SetInstances(instance, resources);
-    if (const wchar_t* name = HostApplicationName()) m_applicationName = name;
+    CLogBase::InitImpl(L"", instance, CLang::GetResourceHandle(instance));
+    win32::SetInstances(instance, CLang::GetResourceHandle(instance));
+    if (const wchar_t* name = HostApplicationName()) win32::SetApplicationName(name);
 }
 
 void CZonwickApp::Abandon() noexcept {

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr const char* kSource = "AreaSetManager";
+constexpr const char* kSource = host::kSourceAreaSetManager;
 
 static_assert(sizeof(SRWLOCK) == sizeof(void*));
 

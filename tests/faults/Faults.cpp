@@ -86,6 +86,13 @@ SAFEARRAY* WINAPI GiveArray(VARTYPE type, LONG lower, ULONG count) {
 }
 HRESULT WINAPI DestroyArray(SAFEARRAY* array) {
     g_strings.erase(array);
+    VARTYPE type = VT_EMPTY;
+    // The strings in it go with it.
+    if (array != nullptr && SUCCEEDED(SafeArrayGetVartype(array, &type)) && type == VT_BSTR) {
+        for (ULONG i = 0; i < array->rgsabound[0].cElements; ++i) {
+            g_strings.erase(static_cast<BSTR*>(array->pvData)[i]);
+        }
+    }
     return g_automation.destroy(array);
 }
 
@@ -173,8 +180,11 @@ FaultHooks::FaultHooks() {
         void* function = Function(L"oleaut32.dll", name);
         original = reinterpret_cast<std::remove_reference_t<decltype(original)>>(function);
         m_hooks.HookImport(module, function, ofModule);
-        for (const wchar_t* part : {static_cast<const wchar_t*>(nullptr), L"HostDocuments.dll", L"HostUnits.dll"}) {
-            m_hooks.HookImport(GetModuleHandleW(part), function, ofOthers);
+        // All that hand strings out or free those of others: one freed unseen counts until its place is used again.
+        for (const wchar_t* part : {static_cast<const wchar_t*>(nullptr), L"HostDocuments.dll", L"HostUnits.dll",
+                                    L"HostSettings.dll", L"Folium.dll"}) {
+            const HMODULE importer = GetModuleHandleW(part);
+            if (importer != nullptr) m_hooks.HookImport(importer, function, ofOthers);
         }
     };
     automation("SysAllocStringLen", g_automation.allocate, Pointer(&AllocateString), Pointer(&GiveString));
