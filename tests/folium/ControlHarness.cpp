@@ -82,27 +82,25 @@ public:
     HRESULT STDMETHODCALLTYPE Invoke(DISPID event, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT*, EXCEPINFO*,
                                      UINT*) noexcept override {
         const auto argument = [&](UINT i) { return V_I4(&parameters->rgvarg[parameters->cArgs - 1 - i]); };
-        switch (event) {
-            case kFoliumPointerMoved:
-                m_harness.m_pointer = {argument(0), argument(1)};
-                break;
-            case kFoliumContextMenuRequested:
-                m_harness.m_menuPlace = {argument(1), argument(2)};
-                Tell("menu", argument(0));
-                break;
-            default: {
-                const char* const names[] = {"selected", "changed", "added", "deleted"};
-                Tell(names[event - kFoliumRectSelected], argument(0));
-            }
+        if (event == kFoliumPointerMoved) {
+            m_harness.m_pointer = {argument(0), argument(1)};
+        } else {
+            const std::map<DISPID, const char*> names = {{kFoliumContextMenuRequested, "menu"},
+                                                         {kFoliumRectSelected, "selected"},
+                                                         {kFoliumRectChanged, "changed"},
+                                                         {kFoliumRectAdded, "added"},
+                                                         {kFoliumRectDeleted, "deleted"}};
+            m_harness.Tell(names.at(event) + std::to_string(argument(0)));
+        }
+        if (event == kFoliumContextMenuRequested) {
+            m_harness.m_menuPlace = {argument(1), argument(2)};
+            ClientToScreen(m_harness.m_window, &m_harness.m_menuPlace);
         }
         if (m_harness.onEvent) m_harness.onEvent(event, argument(0));
         return S_OK;
     }
 
 private:
-    void Tell(const char* name, LONG id) {
-        m_harness.m_told += std::string(m_harness.m_told.empty() ? "" : " ") + name + std::to_string(id);
-    }
     ControlHarness& m_harness;
 };
 
@@ -138,6 +136,52 @@ ControlHarness::ControlHarness() : m_frame(SharedFrame()) {
     SetForegroundWindow(m_frame);
     SetFocus(m_window);
     Wait();
+    AddVerbs();
+}
+
+void ControlHarness::AddVerbs() {
+    const auto rectOf = [](const int32_t* n) { return MakeRect(n[0], n[1], n[2], n[3]); };
+    const auto click = [this](const Step& s, DWORD down, DWORD up) { Click(OnScreen({s.n[0], s.n[1]}), down, up); };
+    const Verbs verbs = {
+        {"with", [=, this](const Step& s) { Insert(rectOf(s.n)); }},
+        {"update",
+         [=, this](const Step& s) {
+             const FoliumRect rect = rectOf(s.n + 1);
+             Expect(SUCCEEDED(folium->UpdateRect(s.n[0], &rect)));
+         }},
+        {"remove", [this](const Step& s) { Expect(SUCCEEDED(folium->DeleteRect(s.n[0]))); }},
+        {"select", [this](const Step& s) { Expect(SUCCEEDED(folium->SelectRect(s.n[0]))); }},
+        {"loaded", [this](const Step&) { folium->UpdateView(); }},
+        {"mode", [this](const Step& s) { folium->SetMode(s.n[0]); }},
+        {"zoom", [this](const Step& s) { SetZoom(kFoliumZoomPercent, s.n[0]); }},
+        {"page",
+         [this](const Step&) {
+             folium->ShowPage(MakePage({2100, 2970}, 100, 140), nullptr);
+         }},
+        {"drag",
+         [this](const Step& s) {
+             Drag(OnScreen({s.n[0], s.n[1]}), OnScreen({s.n[2], s.n[3]}));
+         }},
+        {"click", [=](const Step& s) { click(s, MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP); }},
+        {"rightclick", [=](const Step& s) { click(s, MOUSEEVENTF_RIGHTDOWN, MOUSEEVENTF_RIGHTUP); }},
+        {"move",
+         [this](const Step& s) {
+             MoveTo(OnScreen({s.n[0], s.n[1]}));
+         }},
+        {"loseCapture", [](const Step&) { ReleaseCapture(); }},
+        {"at",
+         [this](const Step& s) {
+             std::ostringstream text;
+             text << '[' << At(s.n[0]) << ']';
+             Tell(text.str());
+         }},
+        {"who",
+         [this](const Step&) {
+             Tell(GetFocus() == m_window ? "control" : GetFocus() == m_button ? "button" : "?");
+         }},
+        {"label", [this](const Step&) { Tell(PixelsOf(GetSysColor(COLOR_INFOBK)) > 300 ? "label" : "none"); }},
+    };
+    m_verbs.insert(verbs.begin(), verbs.end());
 }
 
 ControlHarness::~ControlHarness() {
@@ -155,9 +199,11 @@ void ControlHarness::DestroyWindows() {
 
 LRESULT CALLBACK ControlHarness::FrameProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     auto* self = reinterpret_cast<ControlHarness*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    if (self != nullptr && message == WM_COMMAND && HIWORD(wParam) == 0) self->m_commands.push_back(LOWORD(wParam));
+    if (self != nullptr && message == WM_COMMAND && HIWORD(wParam) == 0) {
+        self->Tell(LOWORD(wParam) == IDOK ? "OK" : "Cancel");
+    }
     if (self != nullptr && message == WM_SYSCOMMAND && (wParam & 0xFFF0) == SC_KEYMENU) {
-        self->m_commands.push_back(SC_KEYMENU);
+        self->Tell("alt");
         return 0;
     }
     return DefWindowProcW(window, message, wParam, lParam);
@@ -172,7 +218,7 @@ void ControlHarness::SetUp(LONG mode) {
     EXPECT_EQ(folium->ShowPage(MakePage({2100, 2970}, 827, 1169), &unused), S_OK);
     folium->UpdateView();
     Wait();
-    Told();
+    Play("");
 }
 
 void ControlHarness::SetZoom(LONG mode, LONG percent) {
@@ -183,7 +229,7 @@ void ControlHarness::SetZoom(LONG mode, LONG percent) {
 LONG ControlHarness::Insert(const FoliumRect& rect) {
     LONG id = 0;
     EXPECT_EQ(folium->InsertRect(&rect, &id), S_OK);
-    Told();
+    Play("");
     return id;
 }
 

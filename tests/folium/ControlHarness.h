@@ -7,9 +7,6 @@
 #include <oleacc.h>
 
 #include <functional>
-#include <memory>
-#include <string>
-#include <utility>
 #include <vector>
 
 #include "host/PageDisplay.h"
@@ -18,7 +15,7 @@
 #include "refhost/documents/PixelAccess.h"
 #include "refhost/folium/FoliumCounts.h"
 #include "win32/ComPtr.h"
-#include "win32/DialogScript.h"
+#include "win32/WindowScript.h"
 
 inline bool operator==(const FoliumRect& a, const FoliumRect& b) {
     return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
@@ -69,13 +66,18 @@ private:
     size_t m_count;
 };
 
-class ControlHarness {
+// Tells events ("added1 selected1", "menu1"; the pointer's moves are kept aside) and the commands that keys gave the
+// window around ("OK", "Cancel", "alt"). Steps beside those of any window, places in page units:
+//   with 1,2,3,4  loaded  update 1 1,2,3,4  remove 1  select 1  mode 3  zoom 150  page (another one)
+//   drag 1,2 3,4  click 1,2  rightclick 1,2  move 1,2  loseCapture
+// and these, which tell: at 1 [bounds]  who (has the focus)  label (whether the size is shown)
+class ControlHarness final : public WindowScript {
 public:
     // Pixels of a length given for 96 dots per inch: the tests hold at any scaling of the screen.
     static int Scaled(int pixels);
 
     ControlHarness();
-    ~ControlHarness();
+    ~ControlHarness() override;
     ControlHarness(const ControlHarness&) = delete;
     ControlHarness& operator=(const ControlHarness&) = delete;
 
@@ -84,11 +86,8 @@ public:
     void SetZoom(LONG mode, LONG percent = 0);
     LONG Insert(const FoliumRect& rect);
     FoliumRect At(LONG id);
-    // Events since the last call, without the pointer's moves: "added1 selected1".
-    std::string Told() { return std::exchange(m_told, {}); }
-    // The commands that keys gave the window around since the last call.
-    std::vector<int> Commands() { return std::exchange(m_commands, {}); }
     POINT Pointer() const { return m_pointer; }
+    // On the screen.
     POINT MenuPlace() const { return m_menuPlace; }
     std::function<void(DISPID, LONG)> onEvent;
 
@@ -97,10 +96,6 @@ public:
     // Where a rectangle is, for screen readers; 1 is the first one.
     RECT Location(LONG child) const;
     ComPtr<IAccessible> Accessible() const;
-    // Of places of the page.
-    void Drag(POINT from, POINT to) const { test::Drag(OnScreen(from), OnScreen(to)); }
-    void Click(POINT page) const { test::Click(OnScreen(page)); }
-    void RightClick(POINT page) const { test::Click(OnScreen(page), MOUSEEVENTF_RIGHTDOWN, MOUSEEVENTF_RIGHTUP); }
     void Resize(int width, int height);
     // Ends the window as a container does.
     void DestroyWindows();
@@ -112,19 +107,17 @@ public:
     std::vector<uint32_t> Pixels() const;
 
     HWND Window() const { return m_window; }
-    HWND Button() const { return m_button; }
     ComPtr<IFolium> folium;
 
 private:
     class Sink;
     static HWND SharedFrame();
     static LRESULT CALLBACK FrameProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void AddVerbs();
 
     HWND m_frame = nullptr, m_host = nullptr, m_button = nullptr, m_window = nullptr;
     ComPtr<IConnectionPoint> m_point;
     DWORD m_cookie = 0;
-    std::string m_told;
-    std::vector<int> m_commands;
     POINT m_pointer = {}, m_menuPlace = {};
 };
 

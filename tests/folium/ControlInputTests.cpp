@@ -5,9 +5,9 @@
 namespace test {
 namespace {
 
-// At 100 % a pixel is 2.6 units.
 constexpr int kSlack = 3;
 
+// Whether bounds are these, but for the rounding of a pixel: at 100 % one is 2.6 units.
 void ExpectNear(const FoliumRect& rect, const FoliumRect& expected) {
     EXPECT_NEAR(rect.left, expected.left, kSlack) << rect;
     EXPECT_NEAR(rect.top, expected.top, kSlack) << rect;
@@ -15,40 +15,67 @@ void ExpectNear(const FoliumRect& rect, const FoliumRect& expected) {
     EXPECT_NEAR(rect.bottom, expected.bottom, kSlack) << rect;
 }
 
-// What the display server tells late of the pointer's last move would let go of the key.
-void Hold(WORD key) {
-    for (int i = 0; i < 3; ++i) {
-        Sleep(10);
-        Wait();
-    }
-    KeyDown(key);
-}
-
 class ControlInput : public testing::Test {
 protected:
     ControlInput() { control.SetUp(); }
     bool Sees(LONG child) const {
-        RECT client = {};
+        RECT client = {}, seen = {};
         GetClientRect(control.Window(), &client);
         MapWindowPoints(control.Window(), nullptr, reinterpret_cast<POINT*>(&client), 2);
         const RECT place = control.Location(child);
-        return place.left >= client.left && place.top >= client.top && place.right <= client.right &&
-               place.bottom <= client.bottom;
+        return IntersectRect(&seen, &place, &client) && EqualRect(&seen, &place);
     }
     FoliumLibrary library;
     ControlHarness control;
 };
 
-TEST_F(ControlInput, DrawsMovesAndSizes) {
-    control.Drag({300, 200}, {800, 600});
+TEST(ControlSteps, KeysAndPointerReachTheEditor) {
+    const FoliumLibrary library;
+    const StepCase rows[] = {
+        {"drag 300,200 800,600; click 1000,1000; click 550,400; drag 550,400 750,700",
+         "added1 selected1 selected1 changed1"},
+        // A drag is taken back and tells its size meanwhile; without one Escape is the dialog's.
+        {"with 300,300,600,500; move 450,400; press; label; move 650,600; label; key Escape; label; move 750,500; "
+         "release; at 1; key Escape",
+         "none label none [300,300,600,500] Cancel"},
+        {"with 300,300,600,500; move 450,400; press; move 650,600; loseCapture; move 750,500; release; at 1",
+         "[300,300,600,500]"},
+        {"with 300,300,600,500; key Right 3; key Up; key shift Down; key shift Left; key control Right; hold shift; "
+         "key control Up; let shift; at 1",
+         "changed1 changed1 changed1 changed1 changed1 changed1 changed1 changed1 [293,309,594,499]"},
+        {"with 100,100,200,200; with 300,100,400,200; with 500,100,600,200; click 1000,1000; key Tab 3; who; key Tab; "
+         "who",
+         "selected1 selected2 selected3 control button"},
+        {"with 100,100,200,200; with 300,100,400,200; key shift Tab; who; key shift Tab; who",
+         "selected1 control button"},
+        // Enter starts and ends a rectangle; where nothing can be drawn it is the dialog's.
+        {"key Enter; key shift Right; key control Down; key Enter; key Enter; key Escape; mode 0; key Enter",
+         "added1 selected1 OK"},
+        // Undo covers all pages and the program's changes, but not what was loaded.
+        {"with 300,300,600,500; loaded; update 1 310,300,600,500; page; key Delete; key control Z 3; at 1; key control "
+         "Y 3",
+         "changed1 deleted1 added1 selected1 changed1 [300,300,600,500] changed1 deleted1"},
+        // Several where the mode allows.
+        {"with 100,100,300,300; with 400,100,600,300; with 700,100,900,300; key control A; key Delete; mode 3; "
+         "click 200,200; move 500,200; hold shift; press; release; let shift; drag 200,200 300,400; key control A; "
+         "key Delete",
+         "deleted3 selected1 selected2 changed1 changed2 deleted1 deleted2"},
+        // Alt with the pointer opens no menu; alone it is the window's.
+        {"press; hold alt; let alt; release; key Alt", "alt"},
+    };
+    for (const StepCase& row : rows) {
+        ControlHarness control;
+        control.SetUp();
+        EXPECT_EQ(control.Play(row.steps), row.told) << row.steps;
+    }
+}
+
+TEST_F(ControlInput, PlacesAreThoseOfThePage) {
+    control.Play("drag 300,200 800,600");
     ExpectNear(control.At(1), MakeRect(300, 200, 800, 600));
-    control.Click({1000, 1000});
-    control.Drag({550, 400}, {750, 700});
-    ExpectNear(control.At(1), MakeRect(500, 500, 1000, 900));
-    EXPECT_EQ(control.Told(), "added1 selected1 selected1 changed1") << "a click draws nothing";
     // Handles have one size at any zoom; their outer pixels, 3 from the middle, belong to them as well.
     const FoliumRect original = MakeRect(300, 300, 800, 800);
-    for (const int percent : {50, 100, 130}) {
+    for (const int percent : {50, 130}) {
         control.SetZoom(kFoliumZoomPercent, percent);
         for (const POINT side : {POINT{-1, -1}, POINT{1, 0}, POINT{0, 1}}) {
             control.folium->UpdateRect(1, &original);
@@ -65,179 +92,58 @@ TEST_F(ControlInput, DrawsMovesAndSizes) {
             ExpectNear(control.At(1), expected);
         }
     }
+    POINT offset = {7, 7};
+    control.SetZoom(kFoliumZoomPercent, 100);
+    control.Play("key Home; move 500,700");
+    EXPECT_EQ(control.folium->GetPositionOffset(&offset), S_OK);
+    EXPECT_NEAR(control.Pointer().x + offset.x, 500, kSlack);
+    EXPECT_NEAR(control.Pointer().y + offset.y, 700, kSlack);
+    const POINT last = control.Pointer();
+    control.Play("move -20,-20");
+    EXPECT_EQ(control.Pointer().x, last.x) << "beside the page there is no position";
 }
 
-TEST_F(ControlInput, ADragIsTakenBackAndTellsItsSizeMeanwhile) {
-    const LONG id = control.Insert(MakeRect(300, 300, 600, 500));
-    const COLORREF label = GetSysColor(COLOR_INFOBK);
-    const std::function<void()> ends[] = {[] { Key(VK_ESCAPE); }, [] { ReleaseCapture(); }};
-    control.Click({450, 400});
-    control.Told();
-    for (const auto& end : ends) {
-        MoveTo(control.OnScreen({450, 400}));
-        ButtonDown();
-        EXPECT_EQ(control.PixelsOf(label), 0);
-        MoveTo(control.OnScreen({650, 600}));
-        EXPECT_GT(control.PixelsOf(label), 300);
-        end();
-        EXPECT_EQ(control.PixelsOf(label), 0);
-        MoveTo(control.OnScreen({750, 500}));
-        ButtonUp();
-        EXPECT_EQ(control.At(id), MakeRect(300, 300, 600, 500));
-        EXPECT_EQ(control.Told(), "");
-    }
-    EXPECT_TRUE(control.Commands().empty());
-    Key(VK_ESCAPE);
-    EXPECT_EQ(control.Commands(), std::vector<int>{IDCANCEL}) << "without a drag it is the dialog's";
-}
-
-TEST_F(ControlInput, KeysMoveAndSize) {
-    const LONG id = control.Insert(MakeRect(300, 300, 600, 500));
-    Key(VK_RIGHT, 0, 3);
-    Key(VK_UP);
-    EXPECT_EQ(control.At(id), MakeRect(303, 299, 603, 499));
-    Key(VK_DOWN, VK_SHIFT);
-    Key(VK_LEFT, VK_SHIFT);
-    EXPECT_EQ(control.At(id), MakeRect(293, 309, 593, 509));
-    Key(VK_RIGHT, VK_CONTROL);
-    Hold(VK_SHIFT);
-    Key(VK_UP, VK_CONTROL);
-    KeyUp(VK_SHIFT);
-    EXPECT_EQ(control.At(id), MakeRect(293, 309, 594, 499));
-    EXPECT_EQ(control.Told(), "changed1 changed1 changed1 changed1 changed1 changed1 changed1 changed1");
-    // A held key is one step of undo.
+TEST_F(ControlInput, AHeldKeyIsOneStepAndAltSuspendsSnapping) {
+    control.Play("with 300,300,600,500");
     for (int i = 0; i < 5; ++i) KeyDown(VK_RIGHT);
     KeyUp(VK_RIGHT);
-    EXPECT_EQ(control.At(id).left, 298);
-    Key('Z', VK_CONTROL);
-    EXPECT_EQ(control.At(id).left, 293);
-}
-
-TEST_F(ControlInput, TabWalksAndLeadsOut) {
-    for (int i = 0; i < 3; ++i) control.Insert(MakeRect(100 + i * 200, 100, 200 + i * 200, 200));
-    control.Click({1000, 1000});
-    Key(VK_TAB, 0, 3);
-    EXPECT_EQ(control.Told(), "selected1 selected2 selected3");
-    EXPECT_EQ(GetFocus(), control.Window());
-    Key(VK_TAB);
-    EXPECT_EQ(GetFocus(), control.Button());
-    Key(VK_TAB, VK_SHIFT, 3);
-    EXPECT_EQ(control.Told(), "selected2 selected1");
-    EXPECT_EQ(GetFocus(), control.Window());
-    Key(VK_TAB, VK_SHIFT);
-    EXPECT_EQ(GetFocus(), control.Button()) << "before the first one as well";
-}
-
-TEST_F(ControlInput, EnterStartsAndEndsARectangle) {
-    Key(VK_RETURN);
-    EXPECT_EQ(control.Told(), "");
-    Key(VK_RIGHT, VK_SHIFT);
-    Key(VK_DOWN, VK_CONTROL);
-    Key(VK_RETURN);
-    EXPECT_EQ(control.Told(), "added1 selected1");
-    EXPECT_GE(control.At(1).right - control.At(1).left, 10);
-    Key(VK_RETURN);
-    Key(VK_ESCAPE);
-    EXPECT_EQ(control.Told(), "");
-    EXPECT_TRUE(control.Commands().empty());
-    control.folium->SetMode(0);
-    Key(VK_RETURN);
-    EXPECT_EQ(control.Commands(), std::vector<int>{IDOK}) << "where nothing can be drawn it is the dialog's";
-}
-
-TEST_F(ControlInput, UndoCoversAllPagesAndTheProgramsChangesButNotLoading) {
-    const LONG id = control.Insert(MakeRect(300, 300, 600, 500));
-    control.folium->UpdateView();
-    const FoliumRect typed = MakeRect(310, 300, 600, 500);
-    control.folium->UpdateRect(id, &typed);
-    control.folium->ShowPage(MakePage({2100, 2970}, 100, 140), nullptr);
-    Key(VK_DELETE);
-    EXPECT_EQ(control.Told(), "changed1 deleted1");
-    Key('Z', VK_CONTROL, 3);
-    EXPECT_EQ(control.Told(), "added1 selected1 changed1");
-    EXPECT_EQ(control.At(id), MakeRect(300, 300, 600, 500));
-    Key('Y', VK_CONTROL, 3);
-    EXPECT_EQ(control.Told(), "changed1 deleted1");
-}
-
-TEST_F(ControlInput, SeveralWhereTheModeAllows) {
-    for (int i = 0; i < 3; ++i) control.Insert(MakeRect(100 + i * 300, 100, 300 + i * 300, 300));
-    Key('A', VK_CONTROL);
-    Key(VK_DELETE);
-    EXPECT_EQ(control.Told(), "deleted3") << "one at a time in this mode";
-    control.folium->SetMode(3);
-    control.Click({200, 200});
-    MoveTo(control.OnScreen({500, 200}));
-    Hold(VK_SHIFT);
-    ButtonDown();
-    ButtonUp();
-    KeyUp(VK_SHIFT);
-    control.Drag({200, 200}, {300, 400});
-    EXPECT_EQ(control.Told(), "selected1 selected2 changed1 changed2");
-    Key('A', VK_CONTROL);
-    Key(VK_DELETE);
-    EXPECT_EQ(control.Told(), "deleted1 deleted2");
-}
-
-TEST_F(ControlInput, AltSuspendsSnappingAndOpensNoMenu) {
-    control.Insert(MakeRect(700, 100, 900, 300));
-    for (const bool alt : {false, true}) {
-        MoveTo(control.OnScreen({8, 400}));
-        ButtonDown();
-        MoveTo(control.OnScreen({650, 700}));
-        if (alt) Hold(VK_MENU);
-        MoveTo(control.OnScreen({692, 800}));
-        ButtonUp();
-        if (alt) KeyUp(VK_MENU);
-        const LONG id = alt ? 3 : 2;
-        ExpectNear(control.At(id), alt ? MakeRect(8, 400, 692, 800) : MakeRect(0, 400, 700, 800));
-        EXPECT_EQ(control.At(id).right == 700, !alt);
-        control.folium->DeleteRect(id);
-    }
-    ButtonDown();
-    Hold(VK_MENU);
-    KeyUp(VK_MENU);
-    ButtonUp();
-    EXPECT_TRUE(control.Commands().empty());
-    Key(VK_MENU);
-    EXPECT_EQ(control.Commands(), std::vector<int>{SC_KEYMENU}) << "alone it is the window's";
+    EXPECT_EQ(control.At(1).left, 305);
+    control.Play("key control Z; update 1 700,100,900,300");
+    EXPECT_EQ(control.At(1).left, 700);
+    control.Play("move 8,400; press; move 650,700; move 692,800; release");
+    ExpectNear(control.At(2), MakeRect(0, 400, 700, 800));
+    EXPECT_EQ(control.At(2).right, 700);
+    control.Play("remove 2; move 8,400; press; move 650,700; hold alt; move 692,800; release; let alt");
+    ExpectNear(control.At(3), MakeRect(8, 400, 692, 800));
+    EXPECT_NE(control.At(3).right, 700);
 }
 
 TEST_F(ControlInput, MenuIsAskedForByPointerAndKeys) {
-    control.Insert(MakeRect(300, 300, 600, 500));
-    control.RightClick({450, 400});
-    POINT place = control.MenuPlace();
-    ClientToScreen(control.Window(), &place);
-    EXPECT_EQ(place.x, control.OnScreen({450, 400}).x);
-    control.RightClick({900, 900});
-    EXPECT_EQ(control.Told(), "menu1 menu0");
-    Key(VK_F10, VK_SHIFT);
-    place = control.MenuPlace();
-    ClientToScreen(control.Window(), &place);
+    EXPECT_EQ(control.Play("with 300,300,600,500; rightclick 900,900; rightclick 450,400"), "menu0 menu1");
+    EXPECT_EQ(control.MenuPlace().x, control.OnScreen({450, 400}).x);
+    EXPECT_EQ(control.Play("key Menu"), "menu1") << "once";
+    EXPECT_TRUE(control.Play("key shift F10").starts_with("menu1"));
     const RECT box = control.Location(1);
-    EXPECT_TRUE(PtInRect(&box, place)) << "at the selected rectangle";
-    Key(VK_APPS);
-    EXPECT_EQ(control.Told(), "menu1 menu1") << "once each";
+    EXPECT_TRUE(PtInRect(&box, control.MenuPlace())) << "at the selected rectangle";
 }
 
 TEST_F(ControlInput, WheelAndMiddleButtonMoveThePage) {
-    control.Insert(MakeRect(600, 600, 900, 900));
+    control.Play("with 600,600,900,900; move 600,600");
     const RECT start = control.Location(1);
-    MoveTo(control.OnScreen({600, 600}));
     Wheel(-1);
     const RECT down = control.Location(1);
     EXPECT_LT(down.top, start.top);
     EXPECT_EQ(down.left, start.left);
-    Hold(VK_SHIFT);
+    control.Play("hold shift");
     Wheel(-1);
-    KeyUp(VK_SHIFT);
+    control.Play("let shift");
     const RECT right = control.Location(1);
     EXPECT_LT(right.left, down.left);
     EXPECT_EQ(right.top, down.top);
     MoveTo({right.left, right.top});
-    Hold(VK_CONTROL);
+    control.Play("hold control");
     Wheel(2);
-    KeyUp(VK_CONTROL);
+    control.Play("let control");
     const RECT zoomed = control.Location(1);
     EXPECT_NEAR(zoomed.left, right.left, 1) << "around the pointer";
     EXPECT_NEAR(zoomed.top, right.top, 1);
@@ -251,7 +157,7 @@ TEST_F(ControlInput, WheelAndMiddleButtonMoveThePage) {
     EXPECT_EQ(dragged.top, zoomed.top - 90);
     MoveTo({dragged.left, dragged.top});
     EXPECT_EQ(control.Location(1).left, dragged.left) << "until it is let go";
-    EXPECT_EQ(control.Told(), "");
+    EXPECT_EQ(control.Play(""), "");
 }
 
 TEST_F(ControlInput, KeysMoveThePage) {
@@ -270,60 +176,34 @@ TEST_F(ControlInput, KeysMoveThePage) {
     Key(VK_RIGHT);
     EXPECT_EQ(GetScrollPos(control.Window(), SB_HORZ), line);
     // What keys work on comes into sight.
-    control.Insert(MakeRect(100, 100, 300, 300));
-    control.Insert(MakeRect(1500, 2500, 1700, 2700));
-    Key(VK_TAB, VK_SHIFT);
+    control.Play("with 100,100,300,300; with 1500,2500,1700,2700; key shift Tab");
     EXPECT_TRUE(Sees(1));
-    Key(VK_TAB);
+    control.Play("key Tab");
     EXPECT_TRUE(Sees(2));
     const int before = control.Scrolled();
-    Key(VK_DOWN, VK_SHIFT, 5);
+    control.Play("key shift Down 5");
     EXPECT_TRUE(Sees(2));
     EXPECT_GT(control.Scrolled(), before);
-    Key(VK_HOME);
-    Key('Z', VK_CONTROL);
+    control.Play("key Home; key control Z");
     EXPECT_TRUE(Sees(2)) << "undone as well";
-    control.SetZoom(kFoliumZoomPercent, 1600);
-    Key(VK_HOME);
-    Key(VK_RETURN);
-    Key(VK_DOWN, VK_SHIFT, 10);
+    control.Play("zoom 1600; key Home; key Enter; key shift Down 10");
     EXPECT_GT(control.Scrolled(), 0) << "one that is not there yet";
 }
 
-TEST_F(ControlInput, PointerIsToldInPageUnits) {
-    POINT offset = {7, 7};
-    EXPECT_EQ(control.folium->GetPositionOffset(&offset), S_OK);
-    MoveTo(control.OnScreen({500, 700}));
-    EXPECT_NEAR(control.Pointer().x + offset.x, 500, kSlack);
-    EXPECT_NEAR(control.Pointer().y + offset.y, 700, kSlack);
-    const POINT last = control.Pointer();
-    MoveTo({control.OnScreen({0, 0}).x - 5, control.OnScreen({0, 0}).y - 5});
-    EXPECT_EQ(control.Pointer().x, last.x) << "beside the page there is no position";
-}
-
 TEST_F(ControlInput, DragScrollsAtTheWindowsEdge) {
-    const LONG id = control.Insert(MakeRect(300, 300, 600, 500));
-    const auto scrollBeyond = [&](int position) {
+    const auto waitUntil = [&](int position) {
         for (int i = 0; i < 500 && control.Scrolled() <= position; ++i) {
             Sleep(10);
             Wait();
         }
     };
-    for (const POINT from : {POINT{700, 300}, POINT{450, 400}}) {
-        MoveTo(control.OnScreen(from));
-        ButtonDown();
-        MoveTo(control.OnScreen({600, 600}));
-        MoveTo(control.OnScreen({600, 1650}));
-        scrollBeyond(100);
-        if (from.x == 700) {
-            ButtonUp();
-            EXPECT_EQ(control.Told(), "added2 selected2");
-            EXPECT_GT(control.At(2).bottom, 1700) << "further than the window showed";
-            control.folium->DeleteRect(2);
-            Key(VK_HOME);
-        }
-    }
-    control.folium->DeleteRect(id);
+    control.Play("with 300,300,600,500; move 700,300; press; move 600,600; move 600,1650");
+    waitUntil(100);
+    EXPECT_EQ(control.Play("release"), "added2 selected2");
+    EXPECT_GT(control.At(2).bottom, 1700) << "further than the window showed";
+    control.Play("remove 2; key Home; move 450,400; press; move 600,600; move 600,1650");
+    waitUntil(100);
+    control.folium->DeleteRect(1);
     const int end = control.Scrolled();
     for (int i = 0; i < 10; ++i) {
         Sleep(10);

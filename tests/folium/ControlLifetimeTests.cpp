@@ -13,7 +13,7 @@ TEST(ControlLifetime, EndsInsideAnyEvent) {
         auto control = std::make_unique<ControlHarness>();
         control->SetUp();
         const LONG id = control->Insert(MakeRect(300, 300, 600, 500));
-        control->Click({1000, 1000});
+        control->Play("click 1000,1000");
         control->onEvent = [&](DISPID, LONG) {
             control->onEvent = nullptr;
             if (how % 2 == 0) control->folium = nullptr;
@@ -30,10 +30,10 @@ TEST(ControlLifetime, EndsInsideAnyEvent) {
                 folium->DeleteRect(id);
                 break;
             case 2:
-                control->Click({450, 400});
+                control->Play("click 450,400");
                 break;
             default:
-                control->RightClick({450, 400});
+                control->Play("rightclick 450,400");
         }
         Wait();
         EXPECT_EQ(control->onEvent, nullptr) << how;
@@ -49,11 +49,9 @@ void RunFolium() {
     {
         ControlHarness control;
         control.SetUp();
-        control.Insert(MakeRect(300, 300, 600, 500));
-        control.Drag({800, 800}, {1100, 1100});
+        EXPECT_EQ(control.Play("with 300,300,600,500; drag 800,800 1100,1100"), "added2 selected2");
         control.Location(1);
-        Key(VK_DELETE);
-        EXPECT_EQ(control.Told(), "added2 selected2 deleted2");
+        EXPECT_EQ(control.Play("key Delete"), "deleted2");
     }
     const FoliumCounts counts = library.Counts();
     EXPECT_EQ(counts.windows, 0);

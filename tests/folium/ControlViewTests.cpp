@@ -47,7 +47,7 @@ TEST_F(ControlView, BadArgumentsAreRefused) {
     };
     for (const auto& [result, expected] : results) EXPECT_EQ(result, expected) << &result - &results[0].first;
     EXPECT_EQ(newId, 0);
-    EXPECT_EQ(control.Told(), "");
+    EXPECT_EQ(control.Play(""), "");
     EXPECT_EQ(control.At(id), MakeRect(1, 2, 30, 40));
 }
 
@@ -62,7 +62,7 @@ TEST_F(ControlView, LoadingNumbersAndTellsInOrder) {
         const FoliumRect rect = MakeRect(100, 80, 20, 10);
         EXPECT_EQ(control.folium->InsertRect(&rect, &id), S_OK);
         EXPECT_EQ(id, i);
-        EXPECT_EQ(control.Told(), "added" + std::to_string(i)) << "before the call returns";
+        EXPECT_EQ(control.Play(""), "added" + std::to_string(i)) << "before the call returns";
         EXPECT_EQ(control.At(id), MakeRect(20, 10, 100, 80));
     }
     control.onEvent = nullptr;
@@ -71,7 +71,7 @@ TEST_F(ControlView, LoadingNumbersAndTellsInOrder) {
     const FoliumRect same = MakeRect(20, 10, 100, 80);
     control.folium->UpdateRect(2, &same);
     control.folium->DeleteRect(1);
-    EXPECT_EQ(control.Told(), "selected2 changed2 deleted1");
+    EXPECT_EQ(control.Play(""), "selected2 changed2 deleted1");
     FoliumDisplayOptions options = {1, 2, 3, 4, 5, 6, 0, 1}, read = {};
     control.folium->SetDisplayOptions(&options);
     control.folium->GetDisplayOptions(&read);
@@ -134,7 +134,7 @@ TEST_F(ControlView, AnyPageIsShownAndRectanglesStay) {
     PROCESS_MEMORY_COUNTERS memory = {};
     GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
     EXPECT_LT(memory.PeakWorkingSetSize, size_t{400} << 20);
-    EXPECT_EQ(control.Told(), "");
+    EXPECT_EQ(control.Play(""), "");
     EXPECT_EQ(LivePages(), 1) << "only the page shown is held";
     control.SetZoom(kFoliumZoomWholePage);
     EXPECT_GT(control.PixelsOf(RGB(255, 200, 0)), 50) << "what lies beside the page is drawn, broken";
@@ -186,7 +186,7 @@ TEST_F(ControlView, PaintsOnceAndScalesOnce) {
         Wheel(20);
     }
     control.folium->SelectRect(id);
-    control.Drag({450, 400}, {700, 900});
+    control.Play("drag 450,400 700,900");
     const FoliumCounts after = library.Counts();
     EXPECT_EQ(after.tilesScaled, before.tilesScaled);
     EXPECT_GT(after.paints, before.paints);
@@ -194,14 +194,9 @@ TEST_F(ControlView, PaintsOnceAndScalesOnce) {
 
 TEST_F(ControlView, LeavesNoTracesAndPrintsWhatItShows) {
     control.SetUp();
-    control.Insert(MakeRect(300, 300, 600, 500));
-    control.Insert(MakeRect(500, 400, 505, 900));
-    control.Drag({450, 350}, {700, 900});
-    Key('Z', VK_CONTROL);
-    Key(VK_RETURN);
-    Key(VK_RIGHT, VK_SHIFT);
-    Key(VK_ESCAPE);
-    control.Click({1100, 1300});
+    control.Play(
+        "with 300,300,600,500; with 500,400,505,900; drag 450,350 700,900; key control Z; key Enter; key shift Right; "
+        "key Escape; click 1100,1300");
     const auto painted = control.Pixels();
     InvalidateRect(control.Window(), nullptr, FALSE);
     EXPECT_EQ(control.Pixels(), painted) << "the screen is as a full paint gives it";
@@ -214,9 +209,7 @@ TEST_F(ControlView, LeavesNoTracesAndPrintsWhatItShows) {
 
 TEST_F(ControlView, TellsScreenReaders) {
     control.SetUp();
-    control.Insert(MakeRect(300, 300, 600, 500));
-    control.Insert(MakeRect(700, 700, 900, 900));
-    control.folium->SelectRect(2);
+    control.Play("with 300,300,600,500; with 700,700,900,900; select 2");
     const ComPtr<IAccessible> page = control.Accessible();
     LONG count = 0;
     EXPECT_EQ(page->get_accChildCount(&count), S_OK);
@@ -234,9 +227,9 @@ TEST_F(ControlView, TellsScreenReaders) {
     const POINT inside = control.OnScreen({450, 400});
     EXPECT_EQ(page->accHitTest(inside.x, inside.y, &out), S_OK);
     EXPECT_EQ(V_I4(&out), 1);
-    control.Told();
+    control.Play("");
     EXPECT_EQ(page->accDoDefaultAction(first), S_OK);
-    EXPECT_EQ(control.Told(), "selected1");
+    EXPECT_EQ(control.Play(""), "selected1");
     EXPECT_EQ(page->get_accName(none, &text), E_INVALIDARG);
     control.DestroyWindows();
     EXPECT_EQ(page->get_accChildCount(&count), CO_E_OBJNOTCONNECTED) << "kept beyond the window";

@@ -5,7 +5,7 @@ namespace folium {
 namespace {
 
 TEST(Editor, Draws) {
-    PlayAll({
+    test::PlayRows<EditorScript>({
         {"drag 900,800 300,200; at 1", "added1 selected1 [300,200,900,800]"},
         // Ends at the page's edge; no side under a millimetre.
         {"drag 1500,2500 5000,4000; at 1", "added1 selected1 [1500,2500,2100,2970]"},
@@ -24,7 +24,7 @@ TEST(Editor, Draws) {
 }
 
 TEST(Editor, MovesAndKeepsOnThePage) {
-    PlayAll({
+    test::PlayRows<EditorScript>({
         {"with 500,500,700,600; drag 600,550 720,490 alt; at 1", "selected1 changed1 [620,440,820,540]"},
         {"with 500,500,700,600; drag 600,550 -9000,9000 alt; at 1", "selected1 changed1 [0,2870,200,2970]"},
         // One that hangs over the edge may stay there but goes no further out.
@@ -43,9 +43,10 @@ TEST(Editor, EightHandlesSize) {
     };
     for (const auto& [way, bounds] : cases) {
         const std::string told = std::string("selected1 changed1 ") + bounds;
-        PlayAll({{std::string("with 500,1000,900,1500; select 1; drag ") + way + " alt; at 1", told.c_str()}});
+        test::PlayRows<EditorScript>(
+            {{std::string("with 500,1000,900,1500; select 1; drag ") + way + " alt; at 1", told.c_str()}});
     }
-    PlayAll({
+    test::PlayRows<EditorScript>({
         // Not below the shortest side; one that is thinner already can still be moved, and a tiny one has its handles
         // outside.
         {"with 500,500,700,700; select 1; drag 700,700 100,100 alt; at 1", "selected1 changed1 [500,500,510,510]"},
@@ -59,7 +60,7 @@ TEST(Editor, EightHandlesSize) {
 TEST(Editor, Snaps) {
     const std::string other = "with 1000,1000,1500,1500; ";
     const std::string moved = other + "with 300,300,500,600; drag 400,400 ";
-    PlayAll({
+    test::PlayRows<EditorScript>({
         {other + "drag 12,7 990,400; at 2", "added2 selected2 [0,0,1000,400]"},
         {other + "drag 12,7 990,400 alt; at 2", "added2 selected2 [12,7,990,400]"},
         {other + "drag 300,1490 1014,2960; at 2", "added2 selected2 [300,1500,1000,2970]"},
@@ -88,7 +89,7 @@ TEST(Editor, Snaps) {
 
 TEST(Editor, Picks) {
     const std::string handles = "with 500,500,2000,2000; with 1990,1990,2010,2010; select 1; ";
-    PlayAll({
+    test::PlayRows<EditorScript>({
         // The smallest, of equal ones the last; whichever came first.
         {"with 1000,1000,1100,1100; with 500,500,2000,2000; with 800,800,1500,1500; click 1050,1050; click 1400,1400; "
          "click 1900,1900; click 100,100; selection",
@@ -114,7 +115,7 @@ TEST(Editor, TakesBack) {
     const std::string start = "with 500,500,700,700; history; select 1; press ";
     const std::string end = "state; escape; move 800,700; release; items; escape; undo";
     const char* const told = "selected1 busy 1[500,500,700,700] no no";
-    PlayAll({
+    test::PlayRows<EditorScript>({
         {start + "600,600; move 700,700; " + end, told},
         {start + "700,700; move 800,800; " + end, told},
         {start + "1000,1000; move 1100,1100; " + end, told},
@@ -125,22 +126,22 @@ TEST(Editor, TakesBack) {
 }
 
 TEST(Editor, KeysMoveAndSize) {
-    PlayAll({
+    test::PlayRows<EditorScript>({
         {"nudge 5,5", ""},
-        {"with 500,500,700,700; tab; nudge 1,-1; nudge 0,10; size -250,5; at 1",
+        {"with 500,500,700,700; tab; nudge 1,-1; nudge 0,10; nudge -250,5 size; at 1",
          "selected1 changed1 changed1 changed1 [501,509,511,714]"},
         // At the edge there is nothing to tell.
         {"with 500,500,700,700; tab; nudge -2147483648,-2147483648; at 1; nudge -1,0",
          "selected1 changed1 [0,0,200,200]"},
         {"with 500,500,700,700; tab; nudge 2147483647,2147483647; at 1", "selected1 changed1 [1900,2770,2100,2970]"},
         {"with 2000,500,2300,600; tab; nudge 50,0; nudge -50,0; at 1", "selected1 changed1 [1950,500,2250,600]"},
-        {"with 500,500,700,700; tab; size 2147483647,2147483647; at 1", "selected1 changed1 [500,500,2100,2970]"},
+        {"with 500,500,700,700; tab; nudge 2147483647,2147483647 size; at 1", "selected1 changed1 [500,500,2100,2970]"},
     });
 }
 
 TEST(Editor, TabWalks) {
     const std::string three = "with 0,0,50,50; with 100,0,150,50; with 200,0,250,50; ";
-    PlayAll({
+    test::PlayRows<EditorScript>({
         {"tab; back", "no no"},
         {three + "tab; tab; tab; tab; back; back; back", "selected1 selected2 selected3 no selected2 selected1 no"},
         {three + "back", "selected3"},
@@ -155,8 +156,8 @@ TEST(Editor, TabWalks) {
 }
 
 TEST(Editor, EnterStartsAndEndsANewOne) {
-    PlayAll({
-        {"enter 0,0,2100,2970; nudge 10,20; size 3,4; state; draft; enter; at 1",
+    test::PlayRows<EditorScript>({
+        {"enter 0,0,2100,2970; nudge 10,20; nudge 3,4 size; state; draft; enter; at 1",
          "making [797,1134,1325,1880] added1 selected1 [797,1134,1325,1880]"},
         {"enter 0,0,2100,2970; nudge -5000,5000; draft", "[0,2228,525,2970]"},
         // Undo takes back what is under way; the pointer's button does not end what keys began.
@@ -171,7 +172,7 @@ TEST(Editor, EnterStartsAndEndsANewOne) {
 TEST(Editor, ModesLimitWhatIsDone) {
     const std::string three = "with 0,100,200,300; with 300,100,500,300; with 600,100,800,300; ";
     const std::string all = "mode several; " + three + "all; ";
-    PlayAll({
+    test::PlayRows<EditorScript>({
         {three + "all; selection", "{}"},
         {"mode several; all", ""},
         {all + "drag 400,200 450,250 alt; items; selection",
@@ -194,7 +195,7 @@ TEST(Editor, KeysWaitForTheDragToEnd) {
         "mode several; with 100,100,300,300; with 600,600,800,800; press 700,700 alt; move 750,700 alt; ";
     const std::string end = "; state; release; at 2";
     const char* const told = "selected2 busy changed2 [650,600,850,800]";
-    PlayAll({
+    test::PlayRows<EditorScript>({
         {drag + "nudge 5,5" + end, told},
         {drag + "enter 0,0,2100,2970" + end, told},
         {drag + "all" + end, told},
@@ -207,7 +208,7 @@ TEST(Editor, KeysWaitForTheDragToEnd) {
 // What a program does to a rectangle that is just being dragged, in an event or from a timer.
 TEST(Editor, DragEndsWhenItsRectangleGoes) {
     const std::string drag = "with 500,500,700,700; press 600,600; move 700,700; ";
-    PlayAll({
+    test::PlayRows<EditorScript>({
         {drag + "remove 1; move 800,800; release", "selected1 deleted1"},
         {drag + "forget 99; state", "selected1 busy"},
         {drag + "forget 0; state", "selected1 idle"},
@@ -220,7 +221,7 @@ TEST(Editor, DragEndsWhenItsRectangleGoes) {
 }
 
 TEST(Model, NumbersAndTells) {
-    PlayAll({
+    test::PlayRows<EditorScript>({
         // From one and never again; bounds are kept normalised.
         {"insert 40,30,20,10; add 1,2,3,4; at 1; remove 2; insert 1,2,3,4; remove 2; update 0; select -1; update 99",
          "added1 added2 selected2 [20,10,40,30] deleted2 added3 no no no no"},
@@ -233,7 +234,7 @@ TEST(Model, NumbersAndTells) {
 
 TEST(Model, UndoesAndRedoes) {
     const std::string one = "with 0,0,10,10; ";
-    PlayAll({
+    test::PlayRows<EditorScript>({
         // What was loaded stays, and what changed nothing is told but not undone.
         {one + "undo; history; update 1 0,0,10,10; undo; update 1 5,5,15,15; undo; undo; at 1",
          "no changed1 no changed1 changed1 selected1 no [0,0,10,10]"},
@@ -250,10 +251,12 @@ TEST(Model, UndoesAndRedoes) {
         {one + "history; add 7,7,9,9; nudge 1,0; undo; undo; items; redo; redo; items",
          "added2 selected2 changed2 changed2 deleted2 1[0,0,10,10] added2 selected2 changed2 1[0,0,10,10] 2[8,7,10,9]"},
         // A held key is one step; on others it is a step of its own.
-        {one + "history; select 1; nudge 1,0; hold 1,0; hold 1,0; nudge 40,0; undo; at 1; undo; at 1; undo",
+        {one + "history; select 1; nudge 1,0; nudge 1,0 held; nudge 1,0 held; nudge 40,0; undo; at 1; undo; at 1; undo",
          "selected1 changed1 changed1 changed1 changed1 changed1 [3,0,13,10] changed1 [0,0,10,10] no"},
-        {"mode several; with 0,0,9,9; with 0,9,9,18; with 0,20,9,29; select 3; nudge 9,0; hold 1,0; history; hold 1,0; "
-         "select 1; nudge 50,0; select 2; hold 50,0; toggle 3; hold 10,0; undo; hold 5,0; undo; undo; undo; undo; undo",
+        {"mode several; with 0,0,9,9; with 0,9,9,18; with 0,20,9,29; select 3; nudge 9,0; nudge 1,0 held; history; "
+         "nudge 1,0 held; "
+         "select 1; nudge 50,0; select 2; nudge 50,0 held; toggle 3; nudge 10,0 held; undo; nudge 5,0 held; undo; "
+         "undo; undo; undo; undo",
          "selected3 changed3 changed3 changed3 selected1 changed1 selected2 changed2 selected3 changed2 changed3 "
          "changed3 changed2 changed2 changed3 changed3 changed2 changed2 changed1 selected1 changed3 selected3 no"},
     });

@@ -157,7 +157,14 @@ TEST(PageTiles, LargePageTakesNoMoreThanItsShare) {
     tiles.SetView(60000, 60000, true);
     std::vector<uint32_t> pixels(800 * 600);
     Surface surface(pixels.data(), 800, 600);
-    for (int scroll = 0; scroll < 59000; scroll += 700) tiles.Draw(surface, -scroll, -scroll);
+    Surface corner = surface.Clipped({0, 0, 1, 1});
+    tiles.Draw(corner, 0, 0);
+    for (int scroll = 700; scroll < 59000; scroll += 700) {
+        tiles.Draw(surface, -scroll, -scroll);
+        const uint64_t scaled = tiles.TilesScaled();
+        tiles.Draw(corner, 0, 0);
+        ASSERT_EQ(tiles.TilesScaled(), scaled) << "what was drawn lately is kept";
+    }
     EXPECT_LE(tiles.TilesKept(), PageTiles::kMostKept);
     tiles.Draw(surface, -59999, -59999);
     const size_t kept = tiles.TilesKept();

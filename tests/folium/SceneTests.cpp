@@ -26,10 +26,13 @@ public:
     }
     void Paint(bool focus = false, bool handles = true) {
         tiles.SetView(view.PageWidth(), view.PageHeight(), true);
-        const std::vector<Shape> shapes = CollectShapes(model, editor, view);
+        const std::vector<Shape> shapes = Shapes();
         Surface surface(m_pixels.data(), kSide, kSide);
         PaintScene(surface, {view, tiles, shapes, colors, handles, focus});
     }
+    int32_t Add(const Rect& rect, bool selected = false) { return model.Insert(rect, selected); }
+    PixelRect Box(const Rect& rect) const { return view.ToClient(rect); }
+    std::vector<Shape> Shapes() const { return CollectShapes(model, editor, view); }
     uint32_t At(int x, int y) const { return m_pixels[static_cast<size_t>(y * kSide + x)]; }
     std::set<uint32_t> Along(PixelRect rect) const {
         std::set<uint32_t> found;
@@ -70,9 +73,9 @@ TEST(Scene, AreasAreSeenOnAnyPaperInAnyColors) {
                     Canvas canvas(paper);
                     canvas.colors.area = canvas.colors.selected = line;
                     canvas.colors.second = second;
-                    canvas.model.Insert({50, 50, 200, 150}, selected);
+                    canvas.Add({50, 50, 200, 150}, selected);
                     canvas.Paint();
-                    const PixelRect box = canvas.view.ToClient(Rect{50, 50, 200, 150});
+                    const PixelRect box = canvas.Box(Rect{50, 50, 200, 150});
                     int most = 0;
                     for (const uint32_t seen : canvas.Along({box.left + 60, box.top, box.left + 61, box.top + 8})) {
                         most = std::max(most, Difference(seen, paper));
@@ -84,26 +87,55 @@ TEST(Scene, AreasAreSeenOnAnyPaperInAnyColors) {
     }
 }
 
+TEST(Scene, TheSecondColorStandsOutFromTheLine) {
+    const uint32_t cases[][3] = {
+        {0xff0000, 0x000000, 0xffffff}, {0x00ff00, 0x000000, 0x000000}, {0x0000ff, 0x000000, 0xffffff},
+        {0xff00ff, 0x000000, 0x000000}, {0xffff00, 0xffffff, 0x000000}, {0x0000ff, 0x00ff00, 0x00ff00},
+        {0xff0000, 0x00ff00, 0xffffff}, {0x00ff00, 0xff0000, 0x000000}, {0x00ffff, 0xff0000, 0xff0000},
+        {0x00ffff, 0x0000ff, 0x0000ff},
+    };
+    for (const auto& [line, wanted, second] : cases) EXPECT_EQ(SecondColor(line, wanted), second) << line;
+}
+
+// Lines and points have no inside.
+TEST(Scene, TheThinnestAreSeen) {
+    for (const Rect& rect : {Rect{70, 70, 70, 70}, Rect{70, 70, 70, 170}, Rect{70, 70, 170, 70}}) {
+        Canvas canvas(0xffffff);
+        canvas.colors.area = 0xff0000;
+        canvas.Add(rect);
+        canvas.Paint();
+        const PixelRect box = canvas.Box(rect);
+        const PixelRect seen = {box.left, box.top, std::max(box.right, box.left + 6),
+                                std::max(box.bottom, box.top + 6)};
+        EXPECT_EQ(canvas.Along(seen), (std::set<uint32_t>{0xff0000}));
+        EXPECT_EQ(canvas.At(seen.right + 2, box.top), 0xffffffU);
+        EXPECT_EQ(canvas.At(box.left, seen.bottom + 2), 0xffffffU);
+    }
+}
+
 TEST(Scene, SelectedIsToldApartWithoutColor) {
     Canvas plain(0xffffff), selected(0xffffff), several(0xffffff);
     for (Canvas* canvas : {&plain, &selected, &several}) {
         canvas->colors.area = canvas->colors.selected = 0xff0000;
-        canvas->model.Insert({50, 50, 200, 150}, false);
-        canvas->model.Insert({60, 180, 120, 220}, false);
+        canvas->Add({50, 50, 200, 150});
+        canvas->Add({60, 180, 120, 220});
     }
     selected.model.Select(1);
-    several.model.SelectAll();
+    for (const int32_t id : {2, 1}) several.model.Toggle(id);
     plain.Paint();
     selected.Paint();
     several.Paint();
     EXPECT_NE(plain.Pixels(), selected.Pixels());
-    const PixelRect box = plain.view.ToClient(Rect{50, 50, 200, 150});
+    const PixelRect box = plain.Box(Rect{50, 50, 200, 150});
     const PixelRect handle = {box.right - 2, box.bottom + 2, box.right + 3, box.bottom + 5};
     EXPECT_EQ(plain.Along(handle), (std::set<uint32_t>{0xffffff}));
     EXPECT_NE(selected.Along(handle).count(0xff0000), 0u);
-    // Which of several was selected last is seen at the handles' middle.
-    EXPECT_EQ(several.At(box.right, box.bottom), SecondColor(0xff0000, 0x000000));
-    EXPECT_EQ(selected.At(box.right, box.bottom), 0xff0000u);
+    // Which of several was selected last is seen at the handles' middle, in whatever order they were.
+    const PixelRect other = plain.Box({60, 180, 120, 220});
+    EXPECT_EQ(several.At(other.right, other.bottom), SecondColor(0xff0000, 0x000000));
+    EXPECT_EQ(several.At(box.right, box.bottom), 0xff0000u);
+    EXPECT_NE(several.Along({other.right + 1, other.bottom + 1, other.right + 12, other.bottom + 12}).count(0xff0000),
+              0u);
     selected.Paint(false, false);
     EXPECT_EQ(selected.Along(handle).count(0xff0000), 0u) << "where nothing can be sized";
 }
@@ -112,9 +144,9 @@ TEST(Scene, WhatLiesBesideThePageIsBroken) {
     Canvas canvas(0xffffff);
     canvas.view.SetPage({100, 100});
     canvas.colors.area = 0xff0000;
-    canvas.model.Insert({20, 20, 200, 60}, false);
+    canvas.Add({20, 20, 200, 60});
     canvas.Paint();
-    const PixelRect box = canvas.view.ToClient(Rect{20, 20, 200, 60});
+    const PixelRect box = canvas.Box(Rect{20, 20, 200, 60});
     const int edge = canvas.view.ToClientX(100);
     EXPECT_EQ(canvas.Along({box.left, box.top, edge, box.top + 1}), (std::set<uint32_t>{0xff0000}));
     EXPECT_EQ(canvas.Along({edge + 1, box.top, box.right, box.top + 1}),
@@ -124,15 +156,15 @@ TEST(Scene, WhatLiesBesideThePageIsBroken) {
 // Painting part of the window must give what painting all of it gives, or dragging leaves traces.
 TEST(Scene, PartsAreLikeTheWhole) {
     Canvas canvas(0xf0f0f0);
-    canvas.model.Insert({-50, 20, 400, 60}, false);
-    canvas.model.Insert({50, 50, 58, 150}, true);
-    canvas.model.Insert({70, 70, 70, 70}, false);
-    canvas.model.Insert({20, 200, 150, 200}, false);
-    canvas.model.Insert({INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX}, false);
+    canvas.Add({-50, 20, 400, 60});
+    canvas.Add({50, 50, 58, 150}, true);
+    canvas.Add({70, 70, 70, 70});
+    canvas.Add({20, 200, 150, 200});
+    canvas.Add({INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX});
     canvas.Paint();
     std::vector<uint32_t> pixels(kSide * kSide);
     Surface surface(pixels.data(), kSide, kSide);
-    const std::vector<Shape> shapes = CollectShapes(canvas.model, canvas.editor, canvas.view);
+    const std::vector<Shape> shapes = canvas.Shapes();
     for (int y = 0; y < kSide; y += 37) {
         for (int x = 0; x < kSide; x += 41) {
             Surface part = surface.Clipped({x, y, x + 41, y + 37});
@@ -147,12 +179,12 @@ TEST(Scene, FocusIsSeenInsideTheSelectedOneWhereThereIsRoom) {
                                      std::pair{Rect{50, 50, 200, 58}, false}}) {
         Canvas without(0xffffff), with(0xffffff);
         for (Canvas* canvas : {&without, &with}) {
-            canvas->model.Insert({60, 180, 120, 220}, false);
-            canvas->model.Insert(rect, true);
+            canvas->Add({60, 180, 120, 220});
+            canvas->Add(rect, true);
             canvas->Paint(canvas == &with);
         }
         EXPECT_EQ(without.Pixels() != with.Pixels(), seen);
-        const PixelRect box = with.view.ToClient(rect);
+        const PixelRect box = with.Box(rect);
         for (int x = 0; x < kSide; ++x) {
             if (x < box.left || x >= box.right) {
                 ASSERT_EQ(with.At(x, box.top + 20), without.At(x, box.top + 20)) << x;
@@ -164,13 +196,13 @@ TEST(Scene, FocusIsSeenInsideTheSelectedOneWhereThereIsRoom) {
 TEST(Scene, WhatIsDraggedOrMadeIsShownThere) {
     Canvas canvas(0xffffff);
     canvas.colors.selected = 0xff0000;
-    canvas.model.Insert({50, 50, 200, 150}, true);
+    canvas.Add({50, 50, 200, 150}, true);
     const Reach reach = {10, 5, 8, 0};
     canvas.editor.Press({100, 100}, {}, reach);
     canvas.editor.Drag({120, 130}, {});
-    auto shapes = CollectShapes(canvas.model, canvas.editor, canvas.view);
+    auto shapes = canvas.Shapes();
     ASSERT_EQ(shapes.size(), 1u);
-    EXPECT_EQ(shapes[0], (Shape{1, canvas.view.ToClient(Rect{70, 80, 220, 180}), true, true, true}));
+    EXPECT_EQ(shapes[0], (Shape{1, canvas.Box(Rect{70, 80, 220, 180}), true, true, true}));
     canvas.Paint(true);
     const PixelRect box = shapes[0].box;
     EXPECT_EQ(canvas.At(box.right + 3, box.bottom + 3), 0xffffffu) << "no handles while it moves";
@@ -180,9 +212,9 @@ TEST(Scene, WhatIsDraggedOrMadeIsShownThere) {
     canvas.editor.Cancel();
     canvas.editor.Press({10, 200}, {}, reach);
     canvas.editor.Drag({40, 240}, {});
-    shapes = CollectShapes(canvas.model, canvas.editor, canvas.view);
+    shapes = canvas.Shapes();
     ASSERT_EQ(shapes.size(), 2u);
-    EXPECT_EQ(shapes[1], (Shape{0, canvas.view.ToClient(Rect{10, 200, 40, 240}), true, true, true})) << "above all";
+    EXPECT_EQ(shapes[1], (Shape{0, canvas.Box(Rect{10, 200, 40, 240}), true, true, true})) << "above all";
 }
 
 TEST(Scene, WithoutAnImageThereIsPaperAndWithoutAPageNothing) {
@@ -202,10 +234,9 @@ TEST(Scene, ExtentHoldsAllThatAShapeDraws) {
          {Rect{80, 80, 160, 150}, Rect{80, 80, 84, 84}, Rect{90, 90, 90, 90}, Rect{80, 80, 95, 200}}) {
         Canvas empty(0xffffff), canvas(0xffffff);
         empty.Paint();
-        canvas.model.Insert(rect, true);
+        canvas.Add(rect, true);
         canvas.Paint();
-        const PixelRect extent =
-            ShapeExtent(CollectShapes(canvas.model, canvas.editor, canvas.view).front(), canvas.view);
+        const PixelRect extent = ShapeExtent(canvas.Shapes().front(), canvas.view);
         for (int y = 0; y < kSide; ++y) {
             for (int x = 0; x < kSide; ++x) {
                 const bool inside = x >= extent.left && x < extent.right && y >= extent.top && y < extent.bottom;

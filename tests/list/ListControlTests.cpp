@@ -5,106 +5,41 @@
 
 namespace {
 
-using test::Key;
 using test::ListDialog;
-using test::MoveTo;
-using test::RequestedMove;
 
-using Moves = std::vector<RequestedMove>;
-
-// From row to row, a little below the middle of the last one; the button is down still.
-void StartDrag(const ListDialog& list, int from, int to, LONG below) {
-    const POINT start = list.CellPoint(from, 0), target = list.CellPoint(to, 0);
-    MoveTo(start);
-    test::ButtonDown();
-    MoveTo({start.x + 3, start.y + 4});
-    MoveTo({start.x + 5, start.y + 12});
-    MoveTo({target.x + 5, target.y + below});
-}
-
-TEST(ListMove, AltArrowsMoveTheSelectedRow) {
-    ListDialog list;
-    list.Play([&](HWND) {
-        list.List().SetItemText(0, 3, L"Date");
-        Key(VK_DOWN, VK_MENU);
-        EXPECT_EQ(list.Rows(), L"r1c0=101 r0c0=100 r2c0=102 r3c0=103");
-        EXPECT_EQ(list.Cell(1, 3), L"Date");
-        EXPECT_EQ(list.Cell(1, 2), L"r0c2");
-        EXPECT_EQ(list.SelectedRow(), 1);
-        EXPECT_EQ(list.List().GetNextItem(-1, LVNI_FOCUSED), 1);
-        Key(VK_UP, VK_MENU);
-        Key(VK_UP, VK_MENU);
-        EXPECT_EQ(list.Rows(), L"r0c0=100 r1c0=101 r2c0=102 r3c0=103");
-        // Releasing Alt has not opened a menu: keys still reach the list.
-        Key(VK_DOWN);
-        EXPECT_EQ(list.SelectedRow(), 1);
-        EXPECT_EQ(list.selections, 1) << "moving was taken for selecting";
-
-        const auto styles = [&](DWORD mask, DWORD set) {
-            list.List().SendMessage(LVM_SETEXTENDEDLISTVIEWSTYLE, mask, static_cast<LPARAM>(set));
-            return list.List().SendMessage(LVM_GETEXTENDEDLISTVIEWSTYLE);
-        };
-        EXPECT_EQ(styles(listtable::kExEditCells, 0), 0x10000020);
-        EXPECT_EQ(styles(LVS_EX_FULLROWSELECT, 0), 0x10000000);
-        EXPECT_EQ(styles(listtable::kExMoveRows, 0), 0);
+TEST(ListMove, ByKeysAndByDragging) {
+    const test::StepCase rows[] = {
+        // Moving is not taken for selecting, and releasing Alt has not opened a menu: keys still reach the list.
+        {"key alt Down; rows; cell 1,2; selected; key alt Up; key alt Up; rows; key Down; selected; selections",
+         "2<0 r1c0=101 r0c0=100 r2c0=102 r3c0=103 r0c2 1 0<1 r0c0=100 r1c0=101 r2c0=102 r3c0=103 1 1"},
+        {"drag 0,2; capture; release; rows; selected; capture; edited",
+         "dragging 3<0 r1c0=101 r2c0=102 r0c0=100 r3c0=103 2 free []"},
+        // A drag that ends nowhere changes nothing, and its Escape is not the dialog's.
+        {"drag 0,2; key Escape; release; capture", "free"},
+        {"drag 0,2; loseCapture; release; capture", "free"},
+        {"drag 0,2; deleterow 3; release; capture", "free"},
+        {"drag 0,2; outside; capture; release; capture", "dragging free"},
         // Without the style rows stay.
-        Key(VK_DOWN, VK_MENU);
-        StartDrag(list, 0, 2, 5);
-        test::ButtonUp();
-    });
-    EXPECT_EQ(list.moves, (Moves{{2, {0}}, {0, {1}}}));
-}
-
-TEST(ListMove, DraggingMovesTheRow) {
-    const std::pair<const char*, std::function<void(HWND)>> ends[] = {
-        {"Escape", [](HWND) { Key(VK_ESCAPE); }},
-        {"capture lost", [](HWND) { ReleaseCapture(); }},
-        {"rows gone", [](HWND dialog) { SendDlgItemMessageW(dialog, test::kListId, LVM_DELETEITEM, 3, 0); }},
-        {"outside", [](HWND dialog) {
-             RECT rect = {};
-             GetWindowRect(dialog, &rect);
-             MoveTo({rect.right + 50, rect.top + 10});
-         }}};
-    ListDialog list;
-    const INT_PTR result = list.Play([&](HWND dialog) {
-        int from = 0;
-        for (const auto& [name, end] : ends) {
-            StartDrag(list, from, 2, 5);
-            EXPECT_EQ(GetCapture(), list.List().GetSafeHwnd()) << name;
-            from = 1 - from;  // no double click
-            end(dialog);
-            test::ButtonUp();
-            EXPECT_EQ(GetCapture(), nullptr) << name;
-            EXPECT_TRUE(list.moves.empty()) << name;
-        }
-        StartDrag(list, 0, 2, 5);
-        test::ButtonUp();
-        EXPECT_EQ(list.Rows(), L"r1c0=101 r2c0=102 r0c0=100");
-        EXPECT_EQ(list.SelectedRow(), 2);
-        EXPECT_EQ(GetCapture(), nullptr);
-        EXPECT_EQ(list.Editor(), nullptr);
-    });
-    EXPECT_EQ(result, 0) << "Escape reached the dialog";
-    EXPECT_EQ(list.moves, (Moves{{3, {0}}}));
+        {"styles; key alt Down; drag 0,2; release", "268435488 268435456 0"},
+    };
+    for (const test::StepCase& row : rows) EXPECT_EQ(ListDialog().Run(row.steps), row.told) << row.steps;
 }
 
 TEST(ListMove, DraggingBeyondTheRowsScrolls) {
     ListDialog list(100);
-    list.Play([&](HWND dialog) {
-        StartDrag(list, 0, 1, 3);
+    list.Show([&](HWND dialog) {
+        list.Play("drag 0,1");
         RECT rect = {};
         GetWindowRect(GetDlgItem(dialog, test::kListId), &rect);
-        MoveTo({rect.left + 30, rect.bottom + 5});
+        test::MoveTo({rect.left + 30, rect.bottom + 5});
         for (int i = 0; i < 500 && list.List().SendMessage(LVM_GETTOPINDEX) <= 3; ++i) test::Wait();
-        test::ButtonUp();
+        EXPECT_GT(std::stoi(list.Play("release")), 5) << "the row before which it is moved";
     });
-    ASSERT_EQ(list.moves.size(), 1U);
-    EXPECT_GT(list.moves[0].target, 5);
 }
 
 TEST(ListMove, OrdersOfTheParent) {
     ListDialog list(200);
-    list.Play([&](HWND) {
+    list.Show([&](HWND) {
         const int32_t rows[] = {199, 0, 5};
         const int before = list.changes;
         EXPECT_TRUE(list.List().MoveItems(100, 3, rows));
@@ -117,7 +52,7 @@ TEST(ListMove, OrdersOfTheParent) {
         EXPECT_EQ(list.List().GetItemData(98), 299);
         EXPECT_EQ(list.SelectedRow(), 99);
         EXPECT_EQ(list.List().GetItemCount(), 200);
-        const std::wstring order = list.Rows();
+        const std::string order = list.Rows();
         const int32_t twice[] = {3, 3};
         const int32_t beyond[] = {200};
         EXPECT_FALSE(list.List().MoveItems(0, 2, twice));
@@ -127,13 +62,12 @@ TEST(ListMove, OrdersOfTheParent) {
         EXPECT_FALSE(list.List().MoveItems(0, 1, nullptr));
         EXPECT_EQ(list.Rows(), order);
     });
-    EXPECT_EQ(list.selections, 0);
-    EXPECT_TRUE(list.moves.empty());
+    EXPECT_EQ(list.Play("selections"), "0") << "and no move was asked for";
 }
 
 TEST(ListColumns, ChoicesKindsAndWidths) {
     ListDialog list(1);
-    list.Play([&](HWND) {
+    list.Show([&](HWND) {
         CListTableCtrl& control = list.List();
         const auto client = [&] { return control.GetClientRect().right; };
         const auto sum = [&] {
@@ -200,7 +134,7 @@ bool IsMeasured(HWND dialog, UINT id) {
 TEST(ListLook, ListsOfOneDialogComeAndGo) {
     constexpr UINT kSecond = 200;
     ListDialog list;
-    list.Play([&](HWND dialog) {
+    list.Show([&](HWND dialog) {
         const auto create = [=] {
             return CreateWindowExW(0, L"HostListTable", L"", WS_CHILD | LVS_REPORT | LVS_OWNERDRAWFIXED, 0, 0, 50, 50,
                                    dialog, reinterpret_cast<HMENU>(UINT_PTR{kSecond}), nullptr, nullptr);
