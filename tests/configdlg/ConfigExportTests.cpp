@@ -2,335 +2,191 @@
 #include "configdlg/ConfigFixture.h"
 #include "support/FakeUnits.h"
 
-#include <algorithm>
-#include <functional>
-
 namespace {
 
 using namespace test;
 
-// What failed shortly before stands between the two.
 constexpr const wchar_t* kNotOpened = L"The window for configuring area sets could not be opened.\n\n";
-constexpr const wchar_t* kTryAgain = L"Try again. If it happens again, close the program and start it anew.";
-const std::vector<RECT> kInvoice = {{100, 200, 300, 400}, {500, 600, 900, 1000}, {1200, 1500, 1800, 2200}};
-
-// Adds an area and presses OK when the dialog opens; cancels one that stays open.
-class HastyUser {
-public:
-    HastyUser() {
-        s_self = this;
-        m_timer = SetTimer(nullptr, 0, 10, [](HWND, UINT, UINT_PTR, DWORD) { s_self->Act(); });
-    }
-    ~HastyUser() { KillTimer(nullptr, m_timer); }
-    HastyUser(const HastyUser&) = delete;
-    HastyUser& operator=(const HastyUser&) = delete;
-
-private:
-    void Act() {
-        const HWND dialog = FindWindowW(L"#32770", nullptr);
-        if (dialog == nullptr || !IsWindowVisible(dialog) || m_acting) return;
-        m_acting = true;
-        if (m_acts++ == 0) {
-            Push(dialog, IDC_CONFIG_ADD);
-            Push(dialog, IDOK);
-        } else {
-            Push(dialog, IDCANCEL);
-        }
-        m_acting = false;
-    }
-    static inline HastyUser* s_self = nullptr;
-    UINT_PTR m_timer;
-    int m_acts = 0;
-    bool m_acting = false;
-};
-
-class ConfigExports : public ConfigDialog {
-protected:
-    void ExpectRefused(const wchar_t* traces, size_t boxes) {
-        EXPECT_EQ(TakeTraceTexts(), traces);
-        EXPECT_EQ(TakeHostBoxes().size(), boxes);
-    }
-};
+using ConfigExports = ConfigDialog;
 
 TEST_F(ConfigExports, RefusedBeforeAnyDialog) {
     EXPECT_FALSE(m_configureSet(m_owner, 5)) << "no pages yet";
-    ExpectNothingReported();
     EXPECT_FALSE(m_configurePage(m_owner, L"", nullptr, 0, nullptr, 0, 0)) << "no host object";
     ExpectNothingReported();
     EXPECT_FALSE(m_configurePage(m_owner, L"", nullptr, 1, m_host, 0, 0));
-    ExpectRefused(L"6 ConfigurePage: fields is NULL.\n", 0);
+    EXPECT_EQ(TakeTraceTexts(), L"6 ConfigurePage: fields is NULL.\n");
     EXPECT_EQ(m_host->calls, "") << "left before Begin";
 
     KeepPages();
-    const HastyUser user;
-    EXPECT_FALSE(m_configureSet(m_owner, 6));
-    ExpectRefused(L"2 #34108\n6 SAConfigureSet: pSet or pNewSet is NULL.\n", 1);
     m_host->calls.clear();
-    for (const HWND parent : {HWND(nullptr), reinterpret_cast<HWND>(UINT_PTR{0xDEAD})}) {
-        EXPECT_FALSE(m_configureSet(parent, 5));
-        const std::vector<std::wstring> boxes = TakeHostBoxes();
-        ASSERT_EQ(boxes.size(), 1u);
-        EXPECT_TRUE(boxes[0].starts_with(kNotOpened) && boxes[0].ends_with(kTryAgain)) << boxes[0];
-        ExpectRefused(L"2 #34108\n6 SAConfigureSet: CWnd::FromHandle(hParent) returned NULL.\n", 0);
-        EXPECT_FALSE(m_configurePage(parent, L"", nullptr, 0, m_host, 0, 0));
-        ExpectRefused(L"2 #34108\n6 SAConfigureSet: CWnd::FromHandle(a_hParent) returned NULL.\n", 1);
+    const auto gone = reinterpret_cast<HWND>(UINT_PTR{0xDEAD});
+    const struct {
+        HWND parent;
+        DWORD set;  // 0: a page
+        const wchar_t* trace;
+    } cases[] = {{m_owner, 6, L"pSet or pNewSet is NULL."},
+                 {nullptr, 5, L"CWnd::FromHandle(hParent) returned NULL."},
+                 {gone, 5, L"CWnd::FromHandle(hParent) returned NULL."},
+                 {nullptr, 0, L"CWnd::FromHandle(a_hParent) returned NULL."},
+                 {gone, 0, L"CWnd::FromHandle(a_hParent) returned NULL."}};
+    for (const auto& [parent, set, trace] : cases) {
+        EXPECT_FALSE(set != 0 ? m_configureSet(parent, set) : m_configurePage(parent, L"", nullptr, 0, m_host, 0, 0));
+        EXPECT_EQ(TakeTraceTexts(), std::wstring(L"2 #34108\n6 SAConfigureSet: ") + trace + L"\n");
+        ExpectBox(kNotOpened);
     }
     EXPECT_EQ(m_host->calls, "BQEBQE");
 }
 
-TEST_F(ConfigExports, SetsThatCannotBeLoadedAreReported) {
+TEST_F(ConfigExports, WhatCannotBeOpenedIsReported) {
+    const struct {
+        std::function<void()> take;
+        const wchar_t *traces, *box;
+    } cases[] = {{[&] {
+                      Host().createTransfer = E_NOINTERFACE;
+                      Init();
+                      Host().createTransfer = S_OK;
+                  },
+                  L"2 #34106\n", L""},
+                 {[&] {
+                      Init();
+                      m_units.reset();
+                  },
+                  L"2 #34108\n2 Hint: check if Folium.dll is registered properly.\n", kNotOpened},
+                 {[&] {
+                      MakeUnits();
+                      m_folium.reset();
+                  },
+                  L"2 #34108\n6 SAConfigureSet: dlg.DoModal failed.\n", kNotOpened}};
     KeepPages();
-    m_host->calls.clear();
-    const HastyUser user;
-    for (const bool page : {false, true}) {
-        Host().createTransfer = E_NOINTERFACE;
-        Init();
-        Host().createTransfer = S_OK;
-        TakeTraces();
-        std::vector<SAIndexField> fields;
-        EXPECT_FALSE(page ? OpenPage(fields) : m_configureSet(m_owner, 5));
-        const std::wstring traces = TakeTraceTexts();
-        EXPECT_TRUE(traces.ends_with(L"2 #34106\n")) << traces;
-        EXPECT_EQ(TakeHostBoxes().size(), 1u);
-    }
-    EXPECT_EQ(m_host->calls, "BQE");
-}
-
-TEST_F(ConfigExports, AMissingPageControlIsReported) {
-    KeepPages();
-    const HastyUser user;
-    m_folium.reset();
-    std::vector<SAIndexField> fields = {Field(L"Total", {1, 2, 3, 4})};
-    m_host->calls.clear();
-    EXPECT_FALSE(OpenPage(fields));
-    EXPECT_EQ(m_host->calls, "BQE");
-    EXPECT_EQ(PlaceOf(fields[0]), (RECT{1, 2, 3, 4}));
-    std::wstring traces = TakeTraceTexts();
-    EXPECT_TRUE(traces.ends_with(L"2 #34108\n6 SAConfigureSet: dlg.DoModal failed.\n")) << traces;
-    EXPECT_EQ(TakeHostBoxes().size(), 1u);
-    EXPECT_FALSE(m_configureSet(m_owner, 5));
-    traces = TakeTraceTexts();
-    EXPECT_TRUE(traces.ends_with(L"2 #34108\n6 SAConfigureSet: dlg.DoModal failed.\n")) << traces;
-    const std::vector<std::wstring> boxes = TakeHostBoxes();
-    ASSERT_EQ(boxes.size(), 1u);
-    EXPECT_TRUE(boxes[0].starts_with(kNotOpened)) << boxes[0];
-}
-
-TEST_F(ConfigExports, AnExceptionWhileOpeningIsReportedWithTheHint) {
-    KeepPages();
-    const HastyUser user;
-    m_host->calls.clear();
-    m_units.reset();
-    WorkingRoot().integers[L"LastScale"] = 123;
-    std::vector<SAIndexField> fields = {Field(L"Total", {1, 2, 3, 4})};
-    EXPECT_FALSE(OpenPage(fields));
-    EXPECT_EQ(m_host->calls, "BQE");
-    for (const bool page : {true, false}) {
-        if (!page) {
-            EXPECT_FALSE(m_configureSet(m_owner, 5));
+    for (const auto& [take, traces, box] : cases) {
+        for (const bool page : {false, true}) {
+            SCOPED_TRACE(testing::PrintToString(traces) + (page ? ", page" : ", set"));
+            take();
+            m_host->calls.clear();
+            std::vector<SAIndexField> fields = {Field(L"Total", {1, 2, 3, 4})};
+            EXPECT_FALSE(page ? OpenPage(fields) : m_configureSet(m_owner, 5));
+            EXPECT_EQ(m_host->calls, page ? "BQE" : "");
+            EXPECT_EQ(PlaceOf(fields[0]), (RECT{1, 2, 3, 4}));
+            const std::wstring told = TakeTraceTexts();
+            EXPECT_TRUE(told.ends_with(traces)) << told;
+            ExpectBox(box);
         }
-        const std::wstring traces = TakeTraceTexts();
-        EXPECT_TRUE(traces.ends_with(L"2 #34108\n2 Hint: check if Folium.dll is registered properly.\n")) << traces;
-        EXPECT_EQ(TakeHostBoxes().size(), 1u);
     }
-    EXPECT_EQ(StoredRects(5), kInvoice);
-    EXPECT_EQ(WorkingRoot().integers[L"LastScale"], 123) << "no view was shown that could be remembered";
-}
-
-// A host without documents shows a blank page, which is no error, and may hand over its settings in its own calls.
-TEST_F(ConfigExports, WithoutAStackABlankPage) {
-    std::vector<SAIndexField> fields = {Field(L"Total", {1, 2, 3, 4})};
-    m_tree->booleans[L"RadioPageSource"] = true;
-    Init();
-    m_host->quire = nullptr;
-    m_host->instead = [this]() -> std::optional<HRESULT> {
-        Init();
-        return std::nullopt;
-    };
-    EXPECT_TRUE(PlayPage(fields, {PressCancel}));
-    EXPECT_EQ(TakeTraceTexts(), L"");
+    EXPECT_EQ(StoredRects(5), kInvoiceAreas);
+    EXPECT_FALSE(WorkingRoot().integers.contains(L"LastScale")) << "no view was shown that could be remembered";
 }
 
 TEST_F(ConfigExports, EveryBeginThatSucceededHasItsEnd) {
     std::vector<SAIndexField> fields = {Field(L"Total", {1, 2, 3, 4})};
-    const struct {
-        HRESULT TestConfigHost::*call;
-        HRESULT status;
-        const char* calls;
-    } failures[] = {{&TestConfigHost::scopeQuery, E_NOINTERFACE, ""},
-                    {&TestConfigHost::scopeQuery, E_FAIL, ""},
-                    {&TestConfigHost::begin, E_FAIL, "B"},
-                    {&TestConfigHost::getQuire, E_ACCESSDENIED, "BQE"}};
-    for (const auto& [call, status, calls] : failures) {
-        SCOPED_TRACE(calls);
-        m_host->*call = status;
+    const std::pair<int, const char*> cases[] = {{1, ""}, {2, "B"}, {3, "BQE"}};  // the query for the scope comes first
+    for (const auto& [failing, calls] : cases) {
+        int call = 0;
+        m_host->instead = [&, failing = failing] {
+            return ++call == failing ? std::optional(E_NOINTERFACE) : std::nullopt;
+        };
         EXPECT_FALSE(OpenPage(fields));
-        m_host->*call = S_OK;
         EXPECT_EQ(std::exchange(m_host->calls, {}), calls);
-        EXPECT_EQ(TakeTraceTexts().substr(0, 2), L"2 ");
-        EXPECT_EQ(TakeHostBoxes().size(), 0u);
+        EXPECT_EQ(PlaceOf(fields[0]), (RECT{1, 2, 3, 4}));
+        EXPECT_TRUE(TakeTraceTexts().starts_with(L"2 "));
     }
     // When only End fails, the work is done.
-    m_host->end = E_FAIL;
-    EXPECT_TRUE(PlayPage(fields, {[](HWND dialog) { Push(dialog, IDC_CONFIG_REMOVE); },
-                                  [](HWND dialog) {
-                                      SelectRow(dialog, 0);
-                                      Push(dialog, IDC_CONFIG_REMOVE);
-                                  },
-                                  PressOk}));
-    EXPECT_EQ(m_host->calls, "BQE");
+    m_host->instead = [this] { return m_host->calls == "BQE" ? std::optional(E_FAIL) : std::nullopt; };
+    EXPECT_TRUE(PlayPage(fields, [](HWND dialog) {
+        SelectRow(dialog, 0);
+        Push(dialog, IDC_CONFIG_REMOVE);
+        PressOk(dialog);
+    }));
     EXPECT_EQ(PlaceOf(fields[0]), RECT{});
-    EXPECT_EQ(TakeTraceTexts().substr(0, 2), L"2 ");
-    EXPECT_EQ(TakeHostBoxes().size(), 0u);
+    EXPECT_TRUE(TakeTraceTexts().starts_with(L"2 "));
 }
 
 TEST_F(ConfigExports, FieldsThatAreOddStillComeBack) {
-    std::vector<SAIndexField> fields = {Field(L"Same", {10, 20, 30, 40}), Field(L"Same", {50, 60, 70, 80}),
-                                        Field(L"", {90, 100, 110, 120}), Field(nullptr),
-                                        Field(L"Turned", {300, 400, 100, 200})};
     const std::wstring longName(1000, L'n');
-    fields.push_back(Field(longName.c_str(), {1, 2, 3, 4}));
-    EXPECT_TRUE(PlayPage(fields,
-                         {[](HWND dialog) {
-                              wchar_t title[64] = {};
-                              GetWindowTextW(dialog, title, 64);
-                              EXPECT_STREQ(title, L"Configure Area Set");
-                              EXPECT_EQ(RowCount(dialog), 5);
-                          },
-                          PressOk},
-                         nullptr));
-    EXPECT_EQ(PlaceOf(fields[0]), PlaceOf(fields[1])) << "fields of one name share a rectangle";
-    EXPECT_EQ(PlaceOf(fields[1]), (RECT{50, 60, 70, 80}));
-    EXPECT_EQ(PlaceOf(fields[2]), (RECT{90, 100, 110, 120}));
-    EXPECT_EQ(PlaceOf(fields[4]), (RECT{100, 200, 300, 400}));
-    EXPECT_EQ(PlaceOf(fields[5]), (RECT{1, 2, 3, 4}));
+    const struct {
+        const wchar_t* name;
+        RECT before, after;
+    } cases[] = {{L"Same", {10, 20, 30, 40}, {50, 60, 70, 80}},  // fields of one name share a rectangle
+                 {L"Same", {50, 60, 70, 80}, {50, 60, 70, 80}},
+                 {L"", {90, 100, 110, 120}, {90, 100, 110, 120}},
+                 {nullptr, {}, {90, 100, 110, 120}},
+                 {L"Turned", {300, 400, 100, 200}, {100, 200, 300, 400}},
+                 {longName.c_str(), {1, 2, 3, 4}, {1, 2, 3, 4}}};
+    std::vector<SAIndexField> fields;
+    for (const auto& one : cases) fields.push_back(Field(one.name, one.before));
+    const auto play = [](HWND dialog) {
+        EXPECT_EQ(TitleOf(dialog), L"Configure Area Set");
+        EXPECT_EQ(RowCount(dialog), 5);
+        PressOk(dialog);
+    };
+    EXPECT_TRUE(PlayPage(fields, play, nullptr));
+    for (size_t i = 0; i < fields.size(); ++i) EXPECT_EQ(PlaceOf(fields[i]), cases[i].after) << i;
 
-    for (const int count : {0, -1}) {
-        BOOL result = FALSE;
-        PlayDialog({[](HWND dialog) {
-                        EXPECT_EQ(RowCount(dialog), 0);
-                        EXPECT_TRUE(IsWindowVisible(GetDlgItem(dialog, IDC_CONFIG_IGNORED))) << "no indexing";
-                    },
-                    PressOk},
-                   [&] { result = m_configurePage(m_owner, L"", nullptr, count, m_host, 0, 0); });
-        EXPECT_TRUE(result);
-    }
+    PlayScript(
+        [](HWND dialog) {
+            EXPECT_EQ(RowCount(dialog), 0);
+            EXPECT_TRUE(IsWindowVisible(GetDlgItem(dialog, IDC_CONFIG_IGNORED))) << "no indexing";
+            PressOk(dialog);
+        },
+        [&] { EXPECT_TRUE(m_configurePage(m_owner, L"", nullptr, -1, m_host, 0, 0)); });
 }
 
-TEST_F(ConfigExports, CancelChangesNothingAndOkReplacesTheFlags) {
+// While it is open, the same export and new settings are refused.
+TEST_F(ConfigExports, CancelChangesNothing) {
     KeepPages();
     const std::wstring before = WorkingSet(L"0x00000005").Dump();
-    const std::wstring host = m_tree->Dump();
     std::vector<SAIndexField> fields = {Field(L"Total", {10, 20, 30, 40})};
-    const Steps leave = {
-        [](HWND dialog) { Push(dialog, IDC_CONFIG_ADD); },
-        [](HWND dialog) { CheckRadioButton(dialog, IDC_CONFIG_REQUIRED, IDC_CONFIG_IGNORED, IDC_CONFIG_IGNORED); },
-        [](HWND) { PressKey(VK_ESCAPE); }};
-    EXPECT_TRUE(PlayPage(fields, leave));
+    const auto leave = [&](bool page) {
+        return [&, page](HWND dialog) {
+            EXPECT_FALSE(page ? OpenPage(fields) : m_configureSet(m_owner, 5));
+            m_init(nullptr);
+            EXPECT_EQ(TakeTraceTexts(), (page ? std::wstring(L"6 ConfigurePage") : L"6 SAConfigureSet") +
+                                            L": called again while its dialog is open.\n"
+                                            L"6 SAInit: a dialog is open, nothing was changed.\n");
+            Push(dialog, IDC_CONFIG_ADD);
+            CheckRadioButton(dialog, IDC_CONFIG_REQUIRED, IDC_CONFIG_IGNORED, IDC_CONFIG_IGNORED);
+            Key(VK_ESCAPE);
+        };
+    };
+    for (int i = 0; i < 2; ++i) {  // the refusal ends with the dialog
+        EXPECT_TRUE(PlayPage(fields, leave(true)));
+        EXPECT_TRUE(PlaySet(5, leave(false)));
+    }
     EXPECT_EQ(PlaceOf(fields[0]), (RECT{10, 20, 30, 40}));
-    EXPECT_TRUE(PlaySet(5, leave));
     EXPECT_EQ(WorkingSet(L"0x00000005").Dump(), before);
-    EXPECT_EQ(StoredRects(5), kInvoice);
-
-    m_tree->Child(L"0x00000005")->integers[L"Flags"] = 0x10000007;
-    Init();
-    EXPECT_TRUE(PlaySet(
-        5, {[](HWND dialog) { EXPECT_EQ(IsDlgButtonChecked(dialog, IDC_CONFIG_IGNORED), BST_CHECKED); }, PressOk}));
-    EXPECT_EQ(WorkingSet(L"0x00000005").integers[L"Flags"], 0x10000000);
-    EXPECT_TRUE(PlaySet(5, {[](HWND dialog) { Push(dialog, IDC_CONFIG_REQUIRED); }, PressOk}));
-    EXPECT_EQ(WorkingSet(L"0x00000005").integers[L"Flags"], 0);
-    m_tree->Child(L"0x00000005")->integers[L"Flags"] = 0;
-    EXPECT_EQ(m_tree->Dump(), host) << "the host's node waits for a commit";
+    EXPECT_EQ(StoredRects(5), kInvoiceAreas);
 }
 
-TEST_F(ConfigExports, WhileOpenTheSameExportAndNewSettingsAreRefused) {
+TEST_F(ConfigExports, OkReplacesTheFlagsAndTheHostsNodeWaitsForACommit) {
+    m_tree->Child(L"0x00000005")->integers[L"Flags"] = 0x10000007;
+    const std::wstring host = m_tree->Dump();
+    Init();
     KeepPages();
-    std::vector<SAIndexField> fields = {Field(L"Total", {10, 20, 30, 40})};
-    EXPECT_TRUE(
-        PlayPage(fields, {[&](HWND) {
-                              EXPECT_FALSE(OpenPage(fields));
-                              EXPECT_EQ(TakeTraceTexts(), L"6 ConfigurePage: called again while its dialog is open.\n");
-                              m_init(nullptr);
-                              EXPECT_EQ(TakeTraceTexts(), L"6 SAInit: a dialog is open, nothing was changed.\n");
-                              EXPECT_EQ(StoredRects(5), kInvoice);
-                          },
-                          PressCancel}));
-    EXPECT_TRUE(PlaySet(5, {[&](HWND) {
-                                EXPECT_FALSE(m_configureSet(m_owner, 5));
-                                EXPECT_EQ(TakeTraceTexts(),
-                                          L"6 SAConfigureSet: called again while its dialog is open.\n");
-                            },
-                            PressCancel}));
-    EXPECT_TRUE(PlaySet(5, {PressCancel})) << "the refusal ends with the dialog";
+    for (const int64_t flags : {0x10000000, 0}) {
+        EXPECT_TRUE(PlaySet(5, [=](HWND dialog) {
+            EXPECT_TRUE(Checked(dialog, IDC_CONFIG_IGNORED));
+            if (flags == 0) Push(dialog, IDC_CONFIG_REQUIRED);
+            PressOk(dialog);
+        }));
+        EXPECT_EQ(WorkingSet(L"0x00000005").integers[L"Flags"], flags);
+    }
+    EXPECT_EQ(m_tree->Dump(), host);
 }
 
 TEST_F(ConfigExports, UnitsAreAskedInTheOrderOfTheText) {
     KeepPages();
     m_units.reset();
     const FakeUnitsClass units(Host().createTransfer);
-    const auto pair = [] { return UnitCalls().at(0) + L", " + UnitCalls().at(1); };
-    EXPECT_TRUE(PlaySet(9, {[&](HWND dialog) {
-                                EXPECT_EQ(TextOf(dialog, IDC_CONFIG_SIZE), L"210, 297");
-                                EXPECT_EQ(pair(), L"210, 297");
-                                UnitCalls().clear();
-                                MouseTo(OnPage(dialog, 300, 700));
-                            },
-                            [&](HWND dialog) {
-                                ASSERT_EQ(UnitCalls().size(), 2u);
-                                EXPECT_EQ(TextOf(dialog, IDC_CONFIG_POSITION), pair());
-                                EXPECT_NE(UnitCalls()[0], UnitCalls()[1]);
-                            },
-                            PressCancel}));
-}
-
-// Whichever call of the settings or of the units fails: all or nothing, and End follows Begin.
-TEST_F(ConfigExports, AFailingHostCallLeavesNothingHalfDone) {
-    KeepPages();
-    m_units.reset();
-    const FakeUnitsClass units(Host().createSettingsNode);
-    const std::wstring host = m_tree->Dump();
-    std::vector<RECT> changed = kInvoice;
-    changed.push_back({525, 742, 1575, 2227});
-
-    for (const bool page : {false, true}) {
-        int opened = 0, done = 0, n = 0;
-        for (bool reached = true; reached && n < 500;) {
-            SCOPED_TRACE(testing::Message() << (page ? "page" : "set") << ", call " << ++n);
-            Init();
-            EXPECT_EQ(StoredRects(5), kInvoice);
-            TakeTraces();
-            m_host->calls.clear();
-            std::vector<SAIndexField> fields = {Field(L"Total", {10, 20, 30, 40})};
-            BOOL result = FALSE;
-            {
-                const HastyUser user;
-                Host().Reset();
-                Host().failAt = n;
-                result = page ? OpenPage(fields) : m_configureSet(m_owner, 5);
-                reached = Host().calls >= n;
-                Host().Reset();
-            }
-            const size_t boxes = TakeHostBoxes().size();
-            EXPECT_TRUE(result || boxes == 1) << boxes;
-            if (page) {
-                EXPECT_EQ(m_host->calls, "BQE");
-                EXPECT_EQ(PlaceOf(fields[0]), (RECT{10, 20, 30, 40}));
-            }
-            const std::vector<RECT> rects = StoredRects(5);
-            if (!page && result && rects != kInvoice) {
-                EXPECT_EQ(rects, changed);
-                ++done;
-            } else {
-                EXPECT_EQ(rects, kInvoice);
-            }
-            opened += result;
-            EXPECT_EQ(m_tree->Dump(), host);
-        }
-        EXPECT_LT(n, 500);
-        EXPECT_GT(n, 20);
-        EXPECT_GT(opened, 5);
-        EXPECT_TRUE(page || done > 5) << done;
-    }
+    EXPECT_TRUE(PlaySet(9, [](HWND dialog) {
+        const auto pair = [] { return UnitCalls().at(0) + L", " + UnitCalls().at(1); };
+        EXPECT_EQ(TextOf(dialog, IDC_CONFIG_SIZE), L"210, 297");
+        EXPECT_EQ(pair(), L"210, 297");
+        UnitCalls().clear();
+        MoveTo(OnPage(dialog, 300, 700));
+        EXPECT_EQ(UnitCalls().size(), 2u);
+        EXPECT_EQ(TextOf(dialog, IDC_CONFIG_POSITION), pair());
+        EXPECT_NE(UnitCalls()[0], UnitCalls()[1]);
+        PressCancel(dialog);
+    }));
 }
 
 }  // namespace

@@ -21,40 +21,27 @@ namespace {
 // The module's own copy of the settings: the newest node that it made.
 std::shared_ptr<FakeTree> g_working;
 
-BOOL CALLBACK FindPage(HWND window, LPARAM found) {
-    wchar_t name[32] = {};
-    GetClassNameW(window, name, 32);
-    if (wcscmp(name, L"FoliumPage") != 0) return TRUE;
-    *reinterpret_cast<HWND*>(found) = window;
-    return FALSE;
-}
-
 }  // namespace
 
 HRESULT STDMETHODCALLTYPE TestConfigHost::QueryInterface(REFIID iid, void** object) {
-    if (iid != __uuidof(IConfigScope)) return Object::QueryInterface(iid, object);
     *object = nullptr;
-    if (const auto result = instead ? instead() : std::nullopt) return *result;
-    return FAILED(scopeQuery) ? scopeQuery : Object::QueryInterface(iid, object);
+    const auto result = iid == __uuidof(IConfigScope) ? instead() : std::nullopt;
+    return result ? *result : Object::QueryInterface(iid, object);
 }
 HRESULT STDMETHODCALLTYPE TestConfigHost::GetQuire(IQuire** out) {
     calls += 'Q';
     *out = nullptr;
-    if (const auto result = instead ? instead() : std::nullopt) return *result;
-    if (FAILED(getQuire)) return getQuire;
-    *out = quire;
-    if (*out != nullptr) (*out)->AddRef();
+    if (const auto result = instead()) return *result;
+    *out = win32::ComPtr<IQuire>(quire).Detach();
     return S_OK;
 }
 HRESULT STDMETHODCALLTYPE TestConfigHost::Begin() {
     calls += 'B';
-    if (const auto result = instead ? instead() : std::nullopt) return *result;
-    return begin;
+    return instead().value_or(S_OK);
 }
 HRESULT STDMETHODCALLTYPE TestConfigHost::End() {
     calls += 'E';
-    if (const auto result = instead ? instead() : std::nullopt) return *result;
-    return end;
+    return instead().value_or(S_OK);
 }
 
 win32::ComPtr<IFolium> FoliumOf(HWND dialog) {
@@ -67,24 +54,39 @@ HWND ListOf(HWND dialog) {
     return GetDlgItem(dialog, IDC_CONFIG_LIST);
 }
 HWND PageOf(HWND dialog) {
-    HWND page = nullptr;
-    EnumChildWindows(GetDlgItem(dialog, IDC_CONFIG_PAGE), FindPage, reinterpret_cast<LPARAM>(&page));
-    return page;
+    return FindWindowExW(GetDlgItem(dialog, IDC_CONFIG_PAGE), nullptr, L"FoliumPage", nullptr);
 }
 bool Enabled(HWND dialog, UINT id) {
     return IsWindowEnabled(GetDlgItem(dialog, static_cast<int>(id))) != FALSE;
 }
-int RowCount(HWND dialog) {
-    return static_cast<int>(SendMessageW(ListOf(dialog), LVM_GETITEMCOUNT, 0, 0));
+bool Checked(HWND dialog, UINT id) {
+    return IsDlgButtonChecked(dialog, static_cast<int>(id)) == BST_CHECKED;
 }
-std::wstring CellText(HWND dialog, int row, int column) {
-    wchar_t text[256] = {};
-    LVITEMW item = {};
-    item.iSubItem = column;
-    item.pszText = text;
-    item.cchTextMax = 256;
-    SendMessageW(ListOf(dialog), LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+std::wstring TitleOf(HWND dialog) {
+    wchar_t title[64] = {};
+    GetWindowTextW(dialog, title, 64);
+    return title;
+}
+int ItemCount(HWND list) {
+    return static_cast<int>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0));
+}
+std::wstring ItemText(HWND list, int item, int column) {
+    std::wstring text(20000, L'\0');
+    LVITEMW record = {};
+    record.iSubItem = column;
+    record.pszText = text.data();
+    record.cchTextMax = static_cast<int>(text.size());
+    text.resize(static_cast<size_t>(
+        SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(item), reinterpret_cast<LPARAM>(&record))));
     return text;
+}
+int SelectedItem(HWND list) {
+    return static_cast<int>(SendMessageW(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+}
+void SelectItem(HWND list, int item) {
+    LVITEMW record = {};
+    record.state = record.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+    SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(item), reinterpret_cast<LPARAM>(&record));
 }
 std::wstring RowText(HWND dialog, int row) {
     std::wstring text = CellText(dialog, row, 0);
@@ -94,69 +96,35 @@ std::wstring RowText(HWND dialog, int row) {
     }
     return text;
 }
-int SelectedRow(HWND dialog) {
-    return static_cast<int>(SendMessageW(ListOf(dialog), LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
-}
-void SelectRow(HWND dialog, int row) {
-    LVITEMW item = {};
-    item.state = item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
-    SendMessageW(ListOf(dialog), LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-}
-RECT RectOfId(HWND dialog, LONG id) {
-    FoliumRect rect = {};
-    const auto folium = FoliumOf(dialog);
-    if (folium == nullptr || FAILED(folium->QueryRect(id, &rect))) return {-1, -1, -1, -1};
-    return {rect.left, rect.top, rect.right, rect.bottom};
-}
 RECT RectOfRow(HWND dialog, int row) {
     LVITEMW item = {};
     item.mask = LVIF_PARAM;
     item.iItem = row;
     SendMessageW(ListOf(dialog), LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-    return RectOfId(dialog, static_cast<LONG>(item.lParam));
-}
-FoliumDisplayOptions DisplayOptions(HWND dialog) {
-    FoliumDisplayOptions options = {};
+    FoliumRect rect = {};
     const auto folium = FoliumOf(dialog);
-    if (folium != nullptr) folium->GetDisplayOptions(&options);
-    return options;
-}
-
-namespace {
-
-Steps StartEditing(int row, int column) {
-    return {[=](HWND dialog) {
-        SetFocus(ListOf(dialog));
-        EXPECT_TRUE(SendMessageW(ListOf(dialog), listtable::kEditCell, static_cast<WPARAM>(row), column));
-    }};
-}
-void Append(Steps& steps, const Steps& more) {
-    steps.insert(steps.end(), more.begin(), more.end());
-}
-
-}  // namespace
-
-void EditCell(Steps& steps, int row, int column, const std::wstring& text) {
-    Append(steps, StartEditing(row, column));
-    Append(steps, {[=](HWND) { TypeText(text); }, [](HWND) { PressKey(VK_RETURN); }});
-}
-void ChooseField(Steps& steps, int row, WORD key) {
-    Append(steps, StartEditing(row, 4));
-    Append(steps, {[=](HWND) { PressKey(key); }, [](HWND) { PressKey(VK_RETURN); }});
-}
-void MouseTo(POINT screen) {
-    SetCursorPos(screen.x, screen.y);
-}
-void MouseButton(DWORD flag) {
-    INPUT input = {};
-    input.type = INPUT_MOUSE;
-    input.mi.dwFlags = flag;
-    SendInput(1, &input, sizeof input);
+    if (folium == nullptr || FAILED(folium->QueryRect(static_cast<LONG>(item.lParam), &rect))) return {-1, -1, -1, -1};
+    return {rect.left, rect.top, rect.right, rect.bottom};
 }
 POINT OnPage(HWND dialog, int x, int y) {
     RECT rect = {};
     GetWindowRect(PageOf(dialog), &rect);
     return {rect.left + MulDiv(rect.right - rect.left, x, 1000), rect.top + MulDiv(rect.bottom - rect.top, y, 1000)};
+}
+
+static void StartEditing(HWND dialog, int row, int column) {
+    SetFocus(ListOf(dialog));
+    EXPECT_TRUE(SendMessageW(ListOf(dialog), listtable::kEditCell, static_cast<WPARAM>(row), column));
+}
+void EditCell(HWND dialog, int row, int column, const std::wstring& text) {
+    StartEditing(dialog, row, column);
+    Type(text);
+    Key(VK_RETURN);
+}
+void ChooseField(HWND dialog, int row, WORD key) {
+    StartEditing(dialog, row, 4);
+    Key(key);
+    Key(VK_RETURN);
 }
 
 // The first class of two with the same identifier is the one that is used.
@@ -173,13 +141,9 @@ struct ConfigDialog::Classes {
 ConfigDialog::ConfigDialog() : m_host(new TestConfigHost) {
     Host() = {};
     m_classes = std::make_unique<Classes>();
-    m_documents = std::make_unique<com::ClassRegistration>(L"HostDocuments.dll",
-                                                           std::initializer_list<CLSID>{host::kClsidPageImage});
-    m_units = std::make_unique<com::ClassRegistration>(L"HostUnits.dll",
-                                                       std::initializer_list<CLSID>{host::kClsidMeasureUnits});
-    m_units->Dll().Export<decltype(HostSetMeasureSystem)>("HostSetMeasureSystem")(1);
-    m_folium =
-        std::make_unique<com::ClassRegistration>(L"Folium.dll", std::initializer_list<CLSID>{host::kClsidFolium});
+    m_documents.reset(new com::ClassRegistration(L"HostDocuments.dll", {host::kClsidPageImage}));
+    MakeUnits();
+    m_folium.reset(new com::ClassRegistration(L"Folium.dll", {host::kClsidFolium}));
     m_module = std::make_unique<com::HostDll>(L"Zonwick.dll");
     m_init = m_module->Export<decltype(::SAInit)>("SAInit");
     m_configureSet = m_module->Export<decltype(::SAConfigureSet)>("SAConfigureSet");
@@ -203,11 +167,10 @@ ConfigDialog::~ConfigDialog() {
 }
 
 void ConfigDialog::SetUp() {
-    MouseTo({0, 0});
+    SetCursorPos(0, 0);
     m_owner = CreateWindowExW(0, L"STATIC", L"owner", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
     m_tree->booleans[L"RadioPageSource"] = false;
-    m_tree->AddSet(L"0x00000005", L"Invoice", 0,
-                   {{100, 200, 300, 400}, {500, 600, 900, 1000}, {1200, 1500, 1800, 2200}});
+    m_tree->AddSet(L"0x00000005", L"Invoice", 0, kInvoiceAreas);
     m_tree->AddSet(L"0x00000009", L"Empty", 0, {});
     Init();
     TakeTraces();
@@ -236,8 +199,12 @@ void ConfigDialog::Init() {
     m_init(node);
 }
 
-void ConfigDialog::UseInches() {
-    m_units->Dll().Export<decltype(HostSetMeasureSystem)>("HostSetMeasureSystem")(2);
+void ConfigDialog::MakeUnits() {
+    m_units.reset(new com::ClassRegistration(L"HostUnits.dll", {host::kClsidMeasureUnits}));
+    UseSystem(1);
+}
+void ConfigDialog::UseSystem(LONG system) {
+    m_units->Dll().Export<decltype(HostSetMeasureSystem)>("HostSetMeasureSystem")(system);
 }
 
 void ConfigDialog::UsePages(const std::vector<std::wstring>& files) {
@@ -251,15 +218,15 @@ void ConfigDialog::UsePages(const std::vector<std::wstring>& files) {
 BOOL ConfigDialog::OpenPage(std::vector<SAIndexField>& fields, const wchar_t* name, int document, int page) {
     return m_configurePage(m_owner, name, fields.data(), static_cast<int>(fields.size()), m_host, document, page);
 }
-BOOL ConfigDialog::PlayPage(std::vector<SAIndexField>& fields, Steps steps, const wchar_t* name) {
+BOOL ConfigDialog::PlayPage(std::vector<SAIndexField>& fields, const Script& script, const wchar_t* name) {
     BOOL result = FALSE;
-    PlayDialog(std::move(steps), [&] { result = OpenPage(fields, name); });
+    PlayScript(script, [&] { result = OpenPage(fields, name); });
     return result;
 }
 void ConfigDialog::KeepPages() {
     if (m_host->quire == nullptr) UsePages({});
     std::vector<SAIndexField> none;
-    EXPECT_TRUE(PlayPage(none, {PressCancel}));
+    EXPECT_TRUE(PlayPage(none, PressCancel));
     ExpectNothingReported();
 }
 BOOL ConfigDialog::PlaySet(DWORD id, Steps steps) {
@@ -290,6 +257,12 @@ std::wstring ConfigDialog::TakeTraceTexts() {
         texts += L"\n";
     }
     return texts;
+}
+void ConfigDialog::ExpectBox(const std::wstring& text) {
+    const auto boxes = TakeHostBoxes();
+    EXPECT_TRUE(boxes.size() == 1 && boxes[0].find(text) != std::wstring::npos)
+        << boxes.size() << " boxes, not one with " << testing::PrintToString(text) << ": "
+        << testing::PrintToString(boxes);
 }
 void ConfigDialog::ExpectNothingReported() {
     EXPECT_EQ(TakeTraceTexts(), L"");

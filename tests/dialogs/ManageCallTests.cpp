@@ -8,7 +8,7 @@
 namespace test {
 namespace {
 
-class ManageCalls : public ManageDialog {};
+using ManageCalls = ManageDialog;
 
 int g_rows = 0, g_free = 0;
 
@@ -27,7 +27,7 @@ LRESULT CALLBACK TryLock(int code, WPARAM wParam, LPARAM lParam) {
 
 TEST_F(ManageCalls, TheLockIsFreeWhileTheListIsFilled) {
     const HHOOK hook = SetWindowsHookExW(WH_CALLWNDPROC, TryLock, nullptr, GetCurrentThreadId());
-    EXPECT_TRUE(Play({[](HWND dialog) { EXPECT_EQ(SetNames(dialog), L"Invoice|Letter|Blank|"); }, PressCancel}));
+    EXPECT_TRUE(Play(PressCancel));
     UnhookWindowsHookEx(hook);
     EXPECT_EQ(g_rows, 3);
     EXPECT_EQ(g_free, 3);
@@ -36,22 +36,26 @@ TEST_F(ManageCalls, TheLockIsFreeWhileTheListIsFilled) {
 TEST_F(ManageCalls, TheSizeIsAskedInTheOrderOfItsText) {
     m_units.reset();
     const FakeUnitsClass units(Host().createTransfer);
-    EXPECT_TRUE(Play({[](HWND dialog) {
-                          EXPECT_EQ(TextOf(dialog, IDC_MANAGE_SIZE), L"210.0 x 297.0 mm");
-                          UnitCalls().resize(3);
-                          EXPECT_EQ(UnitCalls(), (std::vector<std::wstring>{L"ToUserUnits 2100", L"ToUserUnits 2970",
-                                                                            L"GetUnitName"}));
-                      },
-                      PressCancel}));
+    EXPECT_TRUE(Play([](HWND dialog) {
+        EXPECT_EQ(TextOf(dialog, IDC_MANAGE_SIZE), L"210.0 x 297.0 mm");
+        UnitCalls().resize(3);
+        EXPECT_EQ(UnitCalls(), (std::vector<std::wstring>{L"ToUserUnits 2100", L"ToUserUnits 2970", L"GetUnitName"}));
+        PressCancel(dialog);
+    }));
 }
 
 TEST_F(ManageCalls, ARefusedPaperSizeHasABoxOfItsOwn) {
-    EXPECT_TRUE(Play({[](HWND dialog) { Post(dialog, IDC_MANAGE_SETTINGS); },
-                      [](HWND paper) {
-                          Push(paper, IDC_PAPER_CUSTOM);
-                          SetDlgItemTextW(paper, IDC_PAPER_WIDTH, L"-1");
-                      },
-                      [](HWND paper) { Post(paper, IDOK); }, AnswerBox, PressCancel, PressCancel}));
+    EXPECT_TRUE(Play([](HWND dialog) {
+        Press(dialog, IDC_MANAGE_SETTINGS);
+        const HWND paper = TopDialog();
+        Push(paper, IDC_PAPER_CUSTOM);
+        SetDlgItemTextW(paper, IDC_PAPER_WIDTH, L"-1");
+        Press(paper, IDOK);
+        AnswerBox(TopDialog());
+        Wait();
+        Press(paper, IDCANCEL);
+        PressCancel(dialog);
+    }));
     const auto boxes = TakeBoxes();
     ASSERT_EQ(boxes.size(), 1u);
     EXPECT_EQ(boxes[0].caption, support::kApplicationName);

@@ -5,44 +5,17 @@ namespace test {
 HWND SetsOf(HWND dialog) {
     return GetDlgItem(dialog, IDC_MANAGE_LIST);
 }
-int SetCount(HWND dialog) {
-    return static_cast<int>(SendMessageW(SetsOf(dialog), LVM_GETITEMCOUNT, 0, 0));
-}
-std::wstring SetName(HWND dialog, int item) {
-    std::wstring text(20000, L'\0');
-    LVITEMW record = {};
-    record.pszText = text.data();
-    record.cchTextMax = static_cast<int>(text.size());
-    const LRESULT length =
-        SendMessageW(SetsOf(dialog), LVM_GETITEMTEXTW, static_cast<WPARAM>(item), reinterpret_cast<LPARAM>(&record));
-    return {record.pszText, static_cast<size_t>(length)};
-}
 std::wstring SetNames(HWND dialog) {
     std::wstring names;
     for (int item = 0; item < SetCount(dialog); ++item) names += SetName(dialog, item) + L"|";
     return names;
 }
-int SelectedSet(HWND dialog) {
-    return static_cast<int>(SendMessageW(SetsOf(dialog), LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
-}
-void SelectSet(HWND dialog, int item) {
-    LVITEMW record = {};
-    record.state = record.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
-    SendMessageW(SetsOf(dialog), LVM_SETITEMSTATE, static_cast<WPARAM>(item), reinterpret_cast<LPARAM>(&record));
-}
 HWND LabelEdit(HWND dialog) {
     return reinterpret_cast<HWND>(SendMessageW(SetsOf(dialog), LVM_GETEDITCONTROL, 0, 0));
-}
-bool Checked(HWND dialog, UINT id) {
-    return IsDlgButtonChecked(dialog, static_cast<int>(id)) == BST_CHECKED;
 }
 void Post(HWND dialog, UINT id) {
     PostMessageW(dialog, WM_COMMAND, id, reinterpret_cast<LPARAM>(GetDlgItem(dialog, static_cast<int>(id))));
 }
-int ColumnWidth(HWND dialog) {
-    return static_cast<int>(SendMessageW(SetsOf(dialog), LVM_GETCOLUMNWIDTH, 0, 0));
-}
-
 char PreviewAt(HWND dialog, int x, int y) {
     const HWND preview = GetDlgItem(dialog, IDC_MANAGE_PREVIEW);
     RECT client = {};
@@ -64,9 +37,7 @@ void ManageDialog::SetUp() {
     Init();
     TakeTraces();
     UsePages({});
-    m_configure = reinterpret_cast<decltype(m_configure)>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"Zonwick.dll"), MAKEINTRESOURCEA(1))));
-    ASSERT_NE(m_configure, nullptr);
+    m_configure = m_module->Export<decltype(::SAConfigure)>("SAConfigure");
 }
 
 void ManageDialog::AddSet(unsigned id, const wchar_t* name, int64_t flags, const RECT& display,
