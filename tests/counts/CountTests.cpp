@@ -2,20 +2,15 @@
 // real libraries.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <functional>
-#include <memory>
 #include <optional>
-#include <string>
-#include <vector>
 
-#include "faults/ImportHook.h"
 #include "processes/CountedSettings.h"
-#include "refhost/imaging/HostImaging.h"
-#include "refhost/imaging/Image.h"
-#include "zonwick/zonwick.h"
+#include "support/LoadedModule.h"
 
 namespace {
+
+using test::ModuleExport;
 
 struct Locks {
     int taken = 0, open = 0, deepest = 0;
@@ -55,48 +50,25 @@ protected:
         CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
         m_settings.emplace();
         m_module.emplace(L"Zonwick.dll");
-        g_locks = {};
-        ASSERT_TRUE(m_hooks.HookImport(m_module->Get(), Pointer(&WaitForSingleObject), Pointer(&CountedWait)));
-        ASSERT_TRUE(m_hooks.HookImport(m_module->Get(), Pointer(&ReleaseMutex), Pointer(&CountedRelease)));
-        ASSERT_TRUE(m_hooks.HookImport(m_module->Get(), SystemMalloc(), Pointer(&CountedMalloc)));
-        ASSERT_TRUE(m_hooks.HookImport(GetModuleHandleW(L"HostImaging.dll"), SystemMalloc(), Pointer(&CountedMalloc)));
+        m_hooks.emplace();
+        const HMODULE imaging = GetModuleHandleW(L"HostImaging.dll");
+        ASSERT_TRUE(m_hooks->HookImport(m_module->Get(), Pointer(&WaitForSingleObject), Pointer(&CountedWait)));
+        ASSERT_TRUE(m_hooks->HookImport(m_module->Get(), Pointer(&ReleaseMutex), Pointer(&CountedRelease)));
+        ASSERT_TRUE(m_hooks->HookImport(m_module->Get(), SystemMalloc(), Pointer(&CountedMalloc)));
+        ASSERT_TRUE(m_hooks->HookImport(imaging, SystemMalloc(), Pointer(&CountedMalloc)));
     }
     void TearDown() override {
-        m_hooks.~PointerHooks();
-        new (&m_hooks) test::PointerHooks;
+        m_hooks.reset();
         m_module.reset();
         m_settings.reset();
-        DeleteFileW(m_path.c_str());
         CoUninitialize();
     }
 
-    template <class Function>
-    Function* Export(const char* name) const {
-        return m_module->Export<Function>(name);
-    }
-    // `count` sets "Set 1" and so on.
-    void Use(int count, int areas) {
-        wchar_t folder[MAX_PATH];
-        GetTempPathW(MAX_PATH, folder);
-        m_path = std::wstring(folder) + L"counts" + std::to_wstring(GetCurrentProcessId()) + L".json";
-        FILE* file = _wfopen(m_path.c_str(), L"wb");
-        ASSERT_NE(file, nullptr);
-        constexpr const char* kRect =
-            "{\"Position:left\":100,\"Position:top\":100,\"Position:right\":300,\"Position:bottom\":300}";
-        for (int id = 1; id <= count; ++id) {
-            std::fprintf(file, "%s\"%#010x\":{\"Name\":\"Set %d\",\"Flags\":0,\"DisplayRect\":%s,\"Rect\":{",
-                         id == 1 ? "{" : ",", static_cast<unsigned>(id), id, kRect);
-            for (int i = 0; i < areas; ++i) std::fprintf(file, "%s\"%d\":%s", i > 0 ? "," : "", i, kRect);
-            std::fputs("}}", file);
-        }
-        std::fputs("}", file);
-        std::fclose(file);
-        m_root = m_settings->OpenFile(m_path.c_str());
-        ASSERT_NE(m_root, nullptr);
-        Export<decltype(::SAInit)>("SAInit")(m_root);
-        m_root = nullptr;
+    void Use(int sets, int areas) {
+        m_settings->Write(test::SampleFile(sets, areas));
+        ModuleExport<decltype(::SAInit)>("SAInit")(m_settings->Open());
         DWORD id = 0;
-        ASSERT_TRUE(Export<decltype(::SAMapIndex2ID)>("SAMapIndex2ID")(count - 1, &id));
+        ASSERT_TRUE(ModuleExport<decltype(::SAMapIndex2ID)>("SAMapIndex2ID")(sets - 1, &id));
     }
     static Locks LocksOf(const std::function<void()>& operation) {
         g_locks = {};
@@ -104,11 +76,9 @@ protected:
         return g_locks;
     }
 
-    std::wstring m_path;
-    win32::ComPtr<ISettingsNode> m_root;
     std::optional<test::CountedSettings> m_settings;
     std::optional<com::HostDll> m_module;
-    test::PointerHooks m_hooks;
+    std::optional<test::PointerHooks> m_hooks;
 };
 
 TEST_F(Counts, EachQueryTakesTheLockOnce) {
@@ -120,11 +90,11 @@ TEST_F(Counts, EachQueryTakesTheLockOnce) {
         const char* name;
         std::function<void()> query;
     } cases[] = {
-        {"SAMapIndex2ID", [&] { Export<decltype(::SAMapIndex2ID)>("SAMapIndex2ID")(7, &id); }},
-        {"SAMapID2Index", [&] { Export<decltype(::SAMapID2Index)>("SAMapID2Index")(8); }},
-        {"SAGetAreaInfo", [&] { Export<decltype(::SAGetAreaInfo)>("SAGetAreaInfo")(8, &info); }},
-        {"SAGetAreaRects", [&] { Export<decltype(::SAGetAreaRects)>("SAGetAreaRects")(8, rects); }},
-        {"no such set", [&] { Export<decltype(::SAGetAreaInfo)>("SAGetAreaInfo")(99, &info); }},
+        {"SAMapIndex2ID", [&] { ModuleExport<decltype(::SAMapIndex2ID)>("SAMapIndex2ID")(7, &id); }},
+        {"SAMapID2Index", [&] { ModuleExport<decltype(::SAMapID2Index)>("SAMapID2Index")(8); }},
+        {"SAGetAreaInfo", [&] { ModuleExport<decltype(::SAGetAreaInfo)>("SAGetAreaInfo")(8, &info); }},
+        {"SAGetAreaRects", [&] { ModuleExport<decltype(::SAGetAreaRects)>("SAGetAreaRects")(8, rects); }},
+        {"no such set", [&] { ModuleExport<decltype(::SAGetAreaInfo)>("SAGetAreaInfo")(99, &info); }},
     };
     for (const auto& [name, query] : cases) {
         const Locks locks = LocksOf(query);
@@ -137,28 +107,15 @@ TEST_F(Counts, EachQueryTakesTheLockOnce) {
 // An image by the last of many sets: one hold of the lock, and one block for the masked pixels besides the caller's.
 TEST_F(Counts, CreateAreaSetImageAmongManySets) {
     Use(10000, 1);
-    auto page = std::make_shared<reader::Bitmap>(1240, 1754, 24);
-    page->resolution = {150, 150};
-    std::fill_n(page->Data(), page->Size(), uint8_t{0});
-    const imaging::Image source(page);
-    std::vector<uint8_t> bmp(source.BmpSize());
-    source.WriteBmp(bmp.data());
-    void* image = nullptr;
-    ASSERT_TRUE(HostImageFromBmp(bmp.data(), bmp.size(), &image));
-
-    const auto create = Export<decltype(::CreateAreaSetImage)>("CreateAreaSetImage");
-    BYTE* block = nullptr;
-    DWORD length = 0;
-    g_pageBytes = page->Size();
+    const test::LoadedPage page(SAMPLES_DIR L"/letter.tif");
+    g_pageBytes = page.Masked(L"Set 10000").size() / 2;
+    ASSERT_GT(g_pageBytes, 10000u);
     g_pageBlocks = 0;
-    const Locks locks = LocksOf([&] { EXPECT_TRUE(create(image, L"Set 10000", &block, &length)); });
+    const Locks locks = LocksOf([&] { page.Masked(L"Set 10000"); });
     g_pageBytes = 0;
     EXPECT_EQ(locks.taken, 1);
     EXPECT_EQ(locks.open, 0);
     EXPECT_EQ(g_pageBlocks, 2);
-    EXPECT_EQ(length, bmp.size());
-    Export<decltype(::FreeAreaSetImage)>("FreeAreaSetImage")(block);
-    HostReleaseImage(image);
 }
 
 // Loading asks the host a fixed number of times for each set and each area.

@@ -12,10 +12,10 @@ constexpr UINT kTick = 10;
 
 struct Course {
     const std::function<void(HWND)>& first;
-    const std::function<void()>& giveUp;
+    const std::function<void(HWND)>& again;
     HWND below;
     HWND seen = nullptr;
-    bool busy = false;
+    bool busy = false, repeated = false;
     Flight result = Flight::kNone;
 };
 Course* g_course = nullptr;
@@ -35,11 +35,15 @@ void CALLBACK Tick(HWND, UINT, UINT_PTR, DWORD) {
     course->busy = true;
     if (dialog != course->seen) {
         course->seen = dialog;
+        course->repeated = false;
         if (course->result == Flight::kNone) course->result = Flight::kClosed;
         course->first(dialog);
+    } else if (!course->repeated && course->again) {
+        course->repeated = true;
+        course->result = Flight::kAgain;
+        course->again(dialog);
     } else {
         course->result = Flight::kGivenUp;
-        course->giveUp();
         SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
     }
     course->busy = false;
@@ -53,9 +57,9 @@ HWND FrontDialog() {
     return dialog;
 }
 
-Flight Pilot(const std::function<void(HWND dialog)>& first, const std::function<void()>& giveUp,
+Flight Pilot(const std::function<void(HWND dialog)>& first, const std::function<void(HWND dialog)>& again,
              const std::function<void()>& body) {
-    Course course = {first, giveUp, FrontDialog()};
+    Course course = {first, again, FrontDialog()};
     Course* const outer = std::exchange(g_course, &course);
     const UINT_PTR timer = SetTimer(nullptr, 0, kTick, Tick);
     body();

@@ -4,12 +4,11 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <set>
 #include <thread>
 
-#include "faults/FaultTable.h"
 #include "host/DocumentStack.h"
 #include "host/MeasureUnits.h"
-#include "refhost/imaging/HostImaging.h"
 
 namespace test {
 
@@ -18,9 +17,10 @@ namespace {
 // Ends the program when a run takes too long, and says which.
 class Watchdog {
 public:
-    static void Watch(const char* operation, Fault kind, int n, bool keep) {
+    static void Watch(const std::string& operation, Fault kind, int n, bool keep) {
         static Watchdog dog;
-        std::snprintf(dog.m_what, sizeof dog.m_what, "%s, %s %d%s", operation, NameOf(kind), n, keep ? " and on" : "");
+        std::snprintf(dog.m_what, sizeof dog.m_what, "%s, %s %d%s", operation.c_str(), NameOf(kind), n,
+                      keep ? " and on" : "");
         dog.m_begun = GetTickCount64();
     }
 
@@ -41,47 +41,53 @@ private:
     std::atomic<ULONGLONG> m_begun = GetTickCount64();
 };
 
-bool EveryChance() {
+// The chance that fails after the n-th, 0 for none. Windows take long: of the `met` chances that an operation has
+// without a fault, the first, one in the middle and the last, from which on there is nothing more to fail.
+int Next(int n, int met, bool keep, bool windows, bool again) {
     static const bool all = std::getenv("ZONWICK_TEST_LONG") != nullptr;
-    return all;
-}
-// The next chance that fails: each of the first ones, then ever fewer; a dialog takes long to open.
-int Next(int n, bool dialog) {
-    if (EveryChance()) return n + 1;
-    return dialog ? n * 2 : n + 1 + n / 10;
+    if (all || !windows) return !again ? 0 : all ? n + 1 : n + 1 + n / 10;
+    const int middle = (met + 1) / 2;
+    if (n < middle) return middle;
+    return n < met && !keep ? met : 0;
 }
 
-// Without any memory there is a trace alone: the text of a box needs some.
-bool CanTell(Fault kind, bool keep) {
-    return kind != Fault::kMemory || !keep;
-}
+// The functions that operations were named after; each export has to be among them.
+std::set<FARPROC> g_exports;
+int g_injected = 0;
+
+class EveryExport final : public testing::Environment {
+    void TearDown() override {
+        std::printf("%d faults in all\n", g_injected);
+        if (testing::GTEST_FLAG(filter) != "*") return;
+        const com::HostDll module(L"Zonwick.dll");
+        for (WORD ordinal = 1; ordinal < 100; ++ordinal) {
+            const FARPROC function = GetProcAddress(module.Get(), MAKEINTRESOURCEA(ordinal));
+            EXPECT_TRUE(function == nullptr || g_exports.contains(function)) << "export " << ordinal;
+        }
+    }
+};
+testing::Environment* const g_everyExport = testing::AddGlobalTestEnvironment(new EveryExport);
 
 }  // namespace
 
 void FaultLoop::SetUp() {
     ManageDialog::SetUp();
     UsePages({SAMPLES_DIR L"/letter.tif", SAMPLES_DIR L"/fax-pages.tif"});
-    m_imaging = std::make_unique<com::HostDll>(L"HostImaging.dll");
-    void* file = nullptr;
-    uint32_t frames = 0;
-    ASSERT_TRUE(m_imaging->Export<decltype(::HostOpenImageFile)>("HostOpenImageFile")(SAMPLES_DIR L"/letter.tif", &file,
-                                                                                      &frames));
-    EXPECT_TRUE(m_imaging->Export<decltype(::HostLoadFrame)>("HostLoadFrame")(file, 0, 0, 0, &m_page));
-    m_imaging->Export<decltype(::HostCloseImageFile)>("HostCloseImageFile")(file);
-    m_hooks = std::make_unique<FaultHooks>();
+    m_page.emplace(SAMPLES_DIR L"/letter.tif");
+    m_hooks.emplace();
     GateParts();
     m_host->instead = []() -> std::optional<HRESULT> {
         if (FaultHooks::Meet(Fault::kConfig)) return E_FAIL;
         return FaultHooks::Meet(Fault::kConfigNull) ? std::optional(S_OK) : std::nullopt;
     };
     m_pristine = m_tree->Clone();
+    m_sets = ModuleSets();
     PutBack();
 }
 
 void FaultLoop::TearDown() {
     m_hooks.reset();
-    reinterpret_cast<decltype(&::HostReleaseImage)>(
-        reinterpret_cast<void*>(GetProcAddress(m_imaging->Get(), MAKEINTRESOURCEA(83))))(m_page);
+    m_page.reset();
     TakeTraces();
     TakeHostBoxes();
     ManageDialog::TearDown();
@@ -110,34 +116,26 @@ void FaultLoop::GateParts() {
     ASSERT_EQ(image.GetInterfacePtr()->QueryInterface(&loader), S_OK);
     ASSERT_EQ(make(host::kClsidMeasureUnits, __uuidof(IMeasureUnits), &units), S_OK);
     ASSERT_EQ(make(host::kClsidFolium, __uuidof(IFolium), &folium), S_OK);
-    m_hooks->Gate(m_host->quire.GetInterfacePtr(), 10);
-    m_hooks->Gate(document.GetInterfacePtr(), 10);
-    m_hooks->Gate(page.GetInterfacePtr(), 12);
-    m_hooks->Gate(source.GetInterfacePtr(), 14);
-    m_hooks->Gate(data.GetInterfacePtr(), 8);
+    static constexpr intptr_t kGivesNull = S_OK;
+    const auto stack = [&](void* object, size_t slots) {
+        m_hooks->Gate(object, slots);
+        m_hooks->Gate(object, slots, Fault::kPartNull, &kGivesNull);
+    };
+    stack(m_host->quire.GetInterfacePtr(), 10);
+    stack(document.GetInterfacePtr(), 10);
+    stack(page.GetInterfacePtr(), 12);
+    stack(source.GetInterfacePtr(), 14);
+    stack(data.GetInterfacePtr(), 8);
     m_hooks->Gate(image.GetInterfacePtr(), 4);
     m_hooks->Gate(loader.GetInterfacePtr(), 9);
     m_hooks->Gate(units.GetInterfacePtr(), 15);
     m_hooks->Gate(folium.GetInterfacePtr(), 35);
 }
 
-std::wstring FaultLoop::Sets() {
-    std::wstring sets;
-    DWORD id = 0;
-    for (int i = 0; Export<decltype(::SAMapIndex2ID)>("SAMapIndex2ID")(i, &id); ++i) {
-        SAAreaInfo info = {};
-        EXPECT_TRUE(Export<decltype(::SAGetAreaInfo)>("SAGetAreaInfo")(id, &info));
-        sets += std::to_wstring(id) + L":" + info.szName + L":" + std::to_wstring(info.nAreas) + L" ";
-    }
-    return sets;
-}
-
 void FaultLoop::PutBack() {
     *m_tree = *m_pristine->Clone();
     Init();
-    EXPECT_EQ(Sets(), kSets);
-    TakeTraces();
-    TakeHostBoxes();
+    EXPECT_EQ(ModuleSets(), m_sets);
 }
 
 // Without the choice of the page source, which depends on whether there is a page.
@@ -149,154 +147,97 @@ std::wstring FaultLoop::HostState() const {
 
 void FaultLoop::EndFaults() {
     const FaultPlan done = FaultHooks::Disarm();
-    if (done.kind != Fault::kCount) m_done = done;
-}
-
-void FaultLoop::Print(const char* name, Fault kind, const Tally& tally) {
-    CountFaults(name, kind, tally.injected);
-    if (tally.met == 0) return;
-    std::printf("%-30s %-11s met %5d, injected %6d, failed %5d, went on %5d\n", name, NameOf(kind), tally.met,
-                tally.injected, tally.failed, tally.succeeded);
+    if (done.at != 0) m_done = done;
 }
 
 void FaultLoop::ExpectHeld(const Holdings& before) {
     const Holdings now = FaultHooks::Measure();
     EXPECT_TRUE(now.blocks == before.blocks || m_remembers) << now.blocks << " blocks, not " << before.blocks;
-    EXPECT_EQ(now.strings, before.strings);
+    EXPECT_EQ(now.strings, 0u);
     EXPECT_EQ(now.objects, before.objects);
 }
 
-bool FaultLoop::Once(const Operation& operation, Fault kind, int n, bool keep, Tally& tally) {
+void FaultLoop::ExpectTold(const Operation& operation, bool keep, const std::wstring& traces, size_t boxes) {
+    if (operation.notice && m_told && boxes == 0) return;
+    EXPECT_TRUE(std::ranges::any_of(operation.told, [&](const wchar_t* text) {
+        return traces.find(text) != std::wstring::npos;
+    })) << traces;
+    // Without any memory there is a trace alone: the text of a box needs some.
+    const bool silent = m_kind == Fault::kMemory && keep;
+    EXPECT_TRUE(operation.boxes == 0 || silent || (boxes > 0 && boxes <= operation.boxes))
+        << boxes << " boxes, " << traces;
+}
+
+bool FaultLoop::Once(const Operation& operation, Fault kind, int n, bool keep) {
     Watchdog::Watch(operation.name, kind, n, keep);
-    m_before = HostState();
+    const std::wstring before = operation.state();
+    m_kind = kind;
     m_done = {};
     m_flight = Flight::kNone;
     FaultHooks::Arm(kind, n, keep);
-    const bool succeeded = operation.call();
+    const bool done = operation.call();
     EndFaults();
     EXPECT_TRUE(FaultHooks::IsLockFree());
+    EXPECT_TRUE(m_dialog == nullptr || (IsWindow(m_dialog) && FrontDialog() == m_dialog));
     const std::wstring traces = TakeTraceTexts();
-    const auto boxes = TakeHostBoxes();
-    if (succeeded) {
-        operation.check();
-    } else {
-        EXPECT_TRUE(std::ranges::any_of(operation.told, [&](const wchar_t* text) {
-            return traces.find(text) != std::wstring::npos;
-        })) << traces;
-        EXPECT_TRUE(!operation.box || !CanTell(kind, keep) || boxes.size() == 1)
-            << boxes.size() << " boxes, " << traces;
-    }
-    const bool met = m_done.met >= n;
-    if (!met) {
-        EXPECT_TRUE(succeeded) << "without a fault";
+    const size_t boxes = TakeHostBoxes().size();
+    m_told |= boxes > 0;
+    if (m_done.injected == 0) {
+        EXPECT_TRUE(done && boxes == 0 && (traces.empty() || m_dialog == nullptr)) << "without a fault: " << traces;
         EXPECT_EQ(m_flight == Flight::kClosed, operation.dialog) << "its dialog did not come up";
     }
-    tally.met = std::max(tally.met, m_done.met);
-    tally.injected += m_done.injected;
-    ++(succeeded ? tally.succeeded : tally.failed);
-    // What a dialog that was closed as it should took over is there.
-    if (kind != Fault::kCount) {
-        const std::wstring after = HostState();
-        EXPECT_TRUE(after == m_changed || (after == m_before && (!succeeded || m_flight != Flight::kClosed))) << after;
-    }
-    return met;
+    if (!done) ExpectTold(operation, keep, traces, boxes);
+    operation.check(done);
+    // What a dialog took over that was closed as it should, be it at the second try, is there.
+    const std::wstring after = operation.state();
+    const bool unchanged = after == before && (!done || m_flight == Flight::kNone) && m_flight != Flight::kAgain;
+    EXPECT_TRUE(unchanged || after == m_changed || m_changed.empty()) << after;
+    if (m_changed.empty()) m_changed = after;
+    operation.restore();
+    return m_done.Met(kind) >= n;
 }
 
-void FaultLoop::Run(const Operation& operation, std::initializer_list<Fault> kinds) {
-    Tally warm;
-    for (int i = 0; i < 2; ++i) {
-        Once(operation, Fault::kCount, 1, false, warm);
-        m_changed = HostState();
-        PutBack();
-    }
+void FaultLoop::Run(Operation operation, std::initializer_list<Fault> kinds) {
+    if (!operation.state) operation.state = [this] { return HostState(); };
+    if (!operation.restore) operation.restore = [this] { PutBack(); };
+    operation.restore = [this, restore = operation.restore] {
+        restore();
+        TakeTraces();
+        TakeHostBoxes();
+    };
+    operation.restore();
+    m_changed.clear();
+    // Without a fault, and with one that makes the dialog remember what it told.
+    for (int i = 0; i < 2; ++i) Once(operation, Fault::kCount, 1, false);
+    const FaultPlan chances = m_done;
+    FaultHooks::Arm(Fault::kPart, 1, true);
+    operation.call();
+    EndFaults();
+    m_told |= !TakeHostBoxes().empty();
+    operation.restore();
+    g_exports.insert(
+        GetProcAddress(GetModuleHandleW(L"Zonwick.dll"), operation.name.substr(0, operation.name.find(',')).c_str()));
+    std::string injected = operation.name + ":";
     const Holdings before = FaultHooks::Measure();
     for (const Fault kind : kinds) {
-        Tally tally;
+        const int met = chances.Met(kind), soFar = g_injected;
         for (const bool keep : {true, false}) {
-            for (int n = 1; !HasFatalFailure(); n = Next(n, operation.dialog)) {
-                SCOPED_TRACE(std::string(operation.name) + ", " + NameOf(kind) + " " + std::to_string(n) +
-                             (keep ? " and on" : ""));
-                const bool met = Once(operation, kind, n, keep, tally);
-                PutBack();
+            for (int n = 1; n > 0 && !HasFatalFailure();) {
+                SCOPED_TRACE(operation.name + ", " + NameOf(kind) + " " + std::to_string(n) + (keep ? " and on" : ""));
+                const bool again = Once(operation, kind, n, keep);
+                g_injected += m_done.injected;
                 ExpectHeld(before);
-                if (!met) break;
                 if (HasFailure() && ++m_failures > 40) return;
+                n = Next(n, met, keep, operation.dialog || m_dialog != nullptr, again);
             }
         }
-        Print(operation.name, kind, tally);
+        if (g_injected > soFar) injected += std::string(" ") + NameOf(kind) + " " + std::to_string(g_injected - soFar);
     }
+    std::printf("%s\n", injected.c_str());
     const Holdings last = FaultHooks::Measure();
     EXPECT_LE(last.userObjects, before.userObjects + 2) << operation.name;
     EXPECT_LE(last.gdiObjects, before.gdiObjects + 2) << operation.name;
     EXPECT_LE(last.handles, before.handles + 4) << operation.name;
-}
-
-void FaultLoop::CommandOnce(HWND dialog, const Command& command, Fault kind, int n, bool keep, Tally& tally) {
-    Watchdog::Watch(command.name, kind, n, keep);
-    m_done = {};
-    m_kind = kind;
-    FaultHooks::Arm(kind, n, keep);
-    command.run();
-    EndFaults();
-    EXPECT_TRUE(FaultHooks::IsLockFree());
-    EXPECT_TRUE(IsWindow(dialog));
-    EXPECT_EQ(FrontDialog(), dialog);
-    const auto boxes = TakeHostBoxes();
-    const std::wstring traces = TakeTraceTexts();
-    const bool done = command.done();
-    if (m_done.injected == 0) {
-        EXPECT_TRUE(done) << "without a fault";
-        EXPECT_TRUE(boxes.empty() && traces.empty()) << traces;
-    }
-    m_told |= !boxes.empty();
-    if (!done && !(command.notice && m_told && boxes.empty())) {
-        EXPECT_TRUE(std::ranges::any_of(command.told, [&](const wchar_t* text) {
-            return traces.find(text) != std::wstring::npos;
-        })) << traces;
-        const size_t most = command.dialog ? 2 : 1;  // of the other dialog, and of this one afterwards
-        EXPECT_TRUE(!command.box || !CanTell(kind, keep) || (!boxes.empty() && boxes.size() <= most))
-            << boxes.size() << " boxes, " << traces;
-    }
-    command.check();
-    tally.met = std::max(tally.met, m_done.met);
-    tally.injected += m_done.injected;
-    ++(done ? tally.succeeded : tally.failed);
-}
-
-void FaultLoop::RunCommand(HWND dialog, const Command& command, std::initializer_list<Fault> kinds) {
-    const auto restore = [&] {
-        command.restore();
-        TakeTraces();
-        TakeHostBoxes();
-    };
-    restore();
-    // Without a fault, and with one that makes the dialog remember what it told.
-    for (int i = 0; i < 3; ++i) {
-        if (i == 2) FaultHooks::Arm(Fault::kPart, 1, true);
-        command.run();
-        EndFaults();
-        m_told |= !TakeHostBoxes().empty();
-        restore();
-    }
-    const std::wstring host = m_tree->Dump();
-    const Holdings before = FaultHooks::Measure();
-    for (const Fault kind : kinds) {
-        Tally tally;
-        for (const bool keep : {true, false}) {
-            for (int n = 1;; n = Next(n, command.dialog)) {
-                SCOPED_TRACE(std::string(command.name) + ", " + NameOf(kind) + " " + std::to_string(n) +
-                             (keep ? " and on" : ""));
-                CommandOnce(dialog, command, kind, n, keep, tally);
-                const bool met = m_done.met >= n;
-                restore();
-                EXPECT_EQ(m_tree->Dump(), host);
-                ExpectHeld(before);
-                if (!met) break;
-                if (HasFailure() && ++m_failures > 40) return;
-            }
-        }
-        Print(command.name, kind, tally);
-    }
 }
 
 }  // namespace test

@@ -89,9 +89,7 @@ HRESULT WINAPI DestroyArray(SAFEARRAY* array) {
     VARTYPE type = VT_EMPTY;
     // The strings in it go with it.
     if (array != nullptr && SUCCEEDED(SafeArrayGetVartype(array, &type)) && type == VT_BSTR) {
-        for (ULONG i = 0; i < array->rgsabound[0].cElements; ++i) {
-            g_strings.erase(static_cast<BSTR*>(array->pvData)[i]);
-        }
+        for (ULONG i = 0; i < array->rgsabound[0].cElements; ++i) g_strings.erase(static_cast<BSTR*>(array->pvData)[i]);
     }
     return g_automation.destroy(array);
 }
@@ -153,9 +151,9 @@ const Gated kGated[] = {
 }  // namespace
 
 const char* NameOf(Fault kind) {
-    constexpr const char* kNames[] = {"settings",    "null",    "part",   "store",  "config",
-                                      "config null", "class",   "memory", "string", "abandoned",
-                                      "lock failed", "imaging", "codec",  "window", "drawing"};
+    constexpr const char* kNames[] = {"settings",    "null",  "part",   "part null", "store",     "config",
+                                      "config null", "class", "memory", "string",    "abandoned", "lock failed",
+                                      "imaging",     "codec", "window", "drawing"};
     static_assert(std::size(kNames) == static_cast<size_t>(Fault::kCount));
     return kind < Fault::kCount ? kNames[static_cast<size_t>(kind)] : "no fault";
 }
@@ -174,7 +172,7 @@ FaultHooks::FaultHooks() {
     for (const Gated& gated : kGated) {
         void* function = Function(gated.library, gated.name);
         hook(GetModuleHandleW(gated.importer), gated.library, gated.name,
-             MakeGate(Keeper, static_cast<int>(gated.kind), function, gated.failure));
+             MakeGate(Keeper, static_cast<int>(gated.kind), function, &gated.failure));
     }
     const auto automation = [&](const char* name, auto& original, void* ofModule, void* ofOthers) {
         void* function = Function(L"oleaut32.dll", name);
@@ -199,13 +197,14 @@ FaultHooks::~FaultHooks() {
     g_strings.clear();
 }
 
-void FaultHooks::Gate(void* object, size_t slots, Fault kind) {
-    m_hooks.GateInterface(object, slots, Keeper, static_cast<int>(kind));
+void FaultHooks::Gate(void* object, size_t slots, Fault kind, const intptr_t* failure) {
+    m_hooks.GateInterface(object, slots, Keeper, static_cast<int>(kind), failure);
 }
 
 bool FaultHooks::Meet(Fault kind) {
-    if (kind != g_plan.kind || Host().held || GetCurrentThreadId() != g_thread) return false;
-    const bool fails = ++g_plan.met == g_plan.at || (g_plan.keep && g_plan.met > g_plan.at);
+    if (Host().held || GetCurrentThreadId() != g_thread) return false;
+    const int met = ++g_plan.met[static_cast<size_t>(kind)];
+    const bool fails = kind == g_plan.kind && (met == g_plan.at || (g_plan.keep && met > g_plan.at));
     g_plan.injected += fails;
     return fails;
 }
@@ -226,12 +225,14 @@ void FaultHooks::Arm(Fault kind, int at, bool keep) {
 
 FaultPlan FaultHooks::Disarm() {
     FaultPlan done = g_plan;
-    if (done.kind == Fault::kSettings || done.kind == Fault::kSettingsNull) {
-        done.met = Host().calls;
-        const int reached = done.met - done.at + 1;
+    for (const Fault settings : {Fault::kSettings, Fault::kSettingsNull}) {
+        done.met[static_cast<size_t>(settings)] = Host().calls;
+        if (done.kind != settings) continue;
+        const int reached = Host().calls - done.at + 1;
         done.injected = reached <= 0 ? 0 : done.keep ? reached : 1;
     }
     g_plan = {};
+    g_thread = 0;
     Host().Reset();
     Hold(false);
     return done;

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <array>
+
 #include "faults/ImportHook.h"
 
 namespace test {
@@ -11,6 +13,7 @@ enum class Fault {
     kSettings,       // a call of the host's settings fails
     kSettingsNull,   // or gives null
     kPart,           // a call of another part of the host fails: pages, units, page display
+    kPartNull,       // or, of the document stack, gives null
     kStore,          // a call of the store of settings files fails
     kConfig,         // a call of the host's configuration object fails
     kConfigNull,     // or gives null
@@ -31,8 +34,10 @@ struct FaultPlan {
     Fault kind = Fault::kCount;
     int at = 0;
     bool keep = false;
-    int met = 0;
     int injected = 0;
+    std::array<int, static_cast<size_t>(Fault::kCount)> met = {};  // chances of each kind
+
+    int Met(Fault of) const { return of < Fault::kCount ? met[static_cast<size_t>(of)] : 0; }
 };
 
 // What the module holds now.
@@ -51,9 +56,9 @@ public:
     FaultHooks& operator=(const FaultHooks&) = delete;
 
     // All operations of an object's interface can fail from now on.
-    void Gate(void* object, size_t slots, Fault kind = Fault::kPart);
+    void Gate(void* object, size_t slots, Fault kind = Fault::kPart, const intptr_t* failure = &kGateFails);
 
-    // From now on the n-th chance of the kind fails; on this thread.
+    // From now on, on this thread, the n-th chance of the kind fails, and those of all kinds are counted.
     static void Arm(Fault kind, int at, bool keep);
     // No more faults; what came of the last ones.
     static FaultPlan Disarm();

@@ -39,7 +39,7 @@ BYTE* TakeCode(size_t size) {
 
 }  // namespace
 
-void* MakeGate(GateKeeper keeper, int kind, void* original, intptr_t failure) {
+void* MakeGate(GateKeeper keeper, int kind, void* original, const intptr_t* failure) {
     // Keeps the arguments' registers, calls keeper(kind), and takes one of two ways.
     BYTE code[] = {
         0x55, 0x48, 0x89, 0xe5, 0x51, 0x52, 0x41, 0x50, 0x41, 0x51,  // push rbp; mov rbp,rsp; push rcx,rdx,r8,r9
@@ -53,10 +53,11 @@ void* MakeGate(GateKeeper keeper, int kind, void* original, intptr_t failure) {
         0x48, 0x83, 0xc4, 0x60, 0x41, 0x59, 0x41, 0x58, 0x5a, 0x59, 0x5d,        // add rsp,0x60; pop r9,r8,rdx,rcx,rbp
         0x84, 0xc0, 0x75, 0x0c,                                                  // test al,al; jnz failure
         0x48, 0xb8, 0,    0,    0,    0,    0,    0,    0,    0,    0xff, 0xe0,  // mov rax,original; jmp rax
-        0x48, 0xb8, 0,    0,    0,    0,    0,    0,    0,    0,    0xc3,        // failure: mov rax,failure; ret
+        0x48, 0xb8, 0,    0,    0,    0,    0,    0,    0,    0,                 // failure: mov rax,failure
+        0x48, 0x8b, 0x00, 0xc3,                                                  // mov rax,[rax]; ret
     };
     constexpr size_t kKind = 39, kKeeper = 45, kOriginal = 96, kFailure = 108;
-    static_assert(sizeof code == 117);
+    static_assert(sizeof code == 120);
     const auto keep = reinterpret_cast<uintptr_t>(keeper);
     std::memcpy(code + kKind, &kind, 4);
     std::memcpy(code + kKeeper, &keep, 8);
@@ -97,11 +98,11 @@ bool PointerHooks::HookImport(HMODULE importer, void* function, void* replacemen
     return found;
 }
 
-void PointerHooks::GateInterface(void* object, size_t slots, GateKeeper keeper, int kind) {
+void PointerHooks::GateInterface(void* object, size_t slots, GateKeeper keeper, int kind, const intptr_t* failure) {
     constexpr size_t kFirst = 3;  // after those of IUnknown
     void** table = *static_cast<void***>(object);
     for (size_t slot = kFirst; slot < slots; ++slot) {
-        Put(table + slot, MakeGate(keeper, kind, table[slot], E_FAIL));
+        Put(table + slot, MakeGate(keeper, kind, table[slot], failure));
     }
 }
 

@@ -11,8 +11,11 @@ namespace test {
 // Asked before each call that a gate leads to; true makes the call fail.
 using GateKeeper = bool (*)(int kind);
 
-// Code that asks `keeper` and then either goes on to `original` with all arguments as they were, or returns `failure`.
-void* MakeGate(GateKeeper keeper, int kind, void* original, intptr_t failure);
+inline constexpr intptr_t kGateFails = E_FAIL;
+
+// Code that asks `keeper` and then either goes on to `original` with all arguments as they were, or returns what is in
+// `failure` then.
+void* MakeGate(GateKeeper keeper, int kind, void* original, const intptr_t* failure);
 
 // Puts other pointers into tables of function pointers, and the old ones back when it goes.
 class PointerHooks {
@@ -26,7 +29,7 @@ public:
     bool HookImport(HMODULE importer, void* function, void* replacement);
     // Gates for all operations of an interface of `slots` entries, but for those of IUnknown.
     // The objects share the table: all of their class and interface are meant.
-    void GateInterface(void* object, size_t slots, GateKeeper keeper, int kind);
+    void GateInterface(void* object, size_t slots, GateKeeper keeper, int kind, const intptr_t* failure = &kGateFails);
 
 private:
     void Put(void** place, void* pointer);

@@ -25,144 +25,98 @@ protected:
     }
     static DWORD IdOf(int index) {
         DWORD id = 0;
-        Export<decltype(::SAMapIndex2ID)>("SAMapIndex2ID")(index, &id);
+        ModuleExport<decltype(::SAMapIndex2ID)>("SAMapIndex2ID")(index, &id);
         return id;
     }
     // The rows of the list are the sets of the manager.
-    void ExpectListIsTrue(HWND dialog) {
+    void Check() override {
+        SendMessageW(SetsOf(m_dialog), LVM_CANCELEDITLABEL, 0, 0);
         std::wstring names;
         for (int i = 0; IdOf(i) != 0; ++i) {
             SAAreaInfo info = {};
-            Export<decltype(::SAGetAreaInfo)>("SAGetAreaInfo")(IdOf(i), &info);
+            ModuleExport<decltype(::SAGetAreaInfo)>("SAGetAreaInfo")(IdOf(i), &info);
             names += std::wstring(info.szName) + L"|";
         }
-        EXPECT_EQ(SetNames(dialog), names);
+        EXPECT_EQ(SetNames(m_dialog), names);
         EXPECT_EQ(StoredRects(1), kInvoice);
     }
-    void Rename(HWND dialog, int item, const wchar_t* name) {
-        SetFocus(SetsOf(dialog));
-        SendMessageW(SetsOf(dialog), LVM_EDITLABELW, static_cast<WPARAM>(item), 0);
-        if (LabelEdit(dialog) == nullptr) return;
-        SetWindowTextW(LabelEdit(dialog), name);
-        SetFocus(GetDlgItem(dialog, IDOK));
+    void Rename(int item, const wchar_t* name) {
+        SetFocus(SetsOf(m_dialog));
+        SendMessageW(SetsOf(m_dialog), LVM_EDITLABELW, static_cast<WPARAM>(item), 0);
+        if (LabelEdit(m_dialog) == nullptr) return;
+        SetWindowTextW(LabelEdit(m_dialog), name);
+        SetFocus(GetDlgItem(m_dialog, IDOK));
     }
-    // The three sets that were there, the given one selected.
-    void Restore(HWND dialog, int selected) {
-        const HWND list = SetsOf(dialog);
-        for (int i = 0; SetCount(dialog) > 3 && i < 20; ++i) {
-            SelectSet(dialog, SetCount(dialog) - 1);
-            Send(dialog, IDC_MANAGE_REMOVE);
+    // The three sets that were there.
+    void Restore(int selected) override {
+        for (int i = 0; SetCount(m_dialog) > 3 && i < 20; ++i) {
+            SelectSet(m_dialog, SetCount(m_dialog) - 1);
+            Send(m_dialog, IDC_MANAGE_REMOVE);
         }
-        for (int i = 0; SetCount(dialog) < 3 && i < 20; ++i) Send(dialog, IDC_MANAGE_CREATE);
-        SendMessageW(list, LVM_CANCELEDITLABEL, 0, 0);
-        if (SetName(dialog, 2) != L"Blank") Rename(dialog, 2, L"Blank");
-        Push(dialog, IDC_MANAGE_PAGE_SIZE);
-        SelectSet(dialog, (selected + 1) % 3);
-        SelectSet(dialog, selected);
-        EXPECT_EQ(SetNames(dialog), L"Invoice|Letter|Blank|");
+        for (int i = 0; SetCount(m_dialog) < 3 && i < 20; ++i) Send(m_dialog, IDC_MANAGE_CREATE);
+        SendMessageW(SetsOf(m_dialog), LVM_CANCELEDITLABEL, 0, 0);
+        if (SetName(m_dialog, 2) != L"Blank") Rename(2, L"Blank");
+        Push(m_dialog, IDC_MANAGE_PAGE_SIZE);
+        SelectSet(m_dialog, (selected + 1) % 3);
+        SelectSet(m_dialog, selected);
+        EXPECT_EQ(SetNames(m_dialog), L"Invoice|Letter|Blank|");
     }
-    Command Make(const char* name, HWND dialog, const std::function<void()>& run, const std::function<bool()>& done,
-                 int selected = 0) {
-        return {name, run, [=, this] { Restore(dialog, selected); }, done,
-                [=, this] {
-                    SendMessageW(SetsOf(dialog), LVM_CANCELEDITLABEL, 0, 0);
-                    ExpectListIsTrue(dialog);
-                }};
-    }
-    // A command that opens another dialog, in which `button` is pressed. Done when that closed it.
-    Command Opening(const char* name, HWND dialog, UINT button, const std::function<void()>& run) {
-        const auto open = [=, this] {
-            Press(button, [=] {
-                run();
-                return TRUE;
-            });
-        };
-        Command command = Make(name, dialog, open, [this] { return m_flight == Flight::kClosed; });
-        command.told.insert(command.told.end(), {L"2 #34108\n", L"2 #34106\n"});
-        command.dialog = true;
-        return command;
-    }
-    void RunListCommands(HWND dialog);
-    void RunOpeningCommands(HWND dialog);
 
     const std::vector<RECT> kInvoice = {{0, 0, 1050, 1485}, {1050, 1485, 2100, 2970}};
     int m_helped = 0;
 };
 
-void ManageFaults::RunListCommands(HWND dialog) {
-    const auto count = [=](int sets) { return [=] { return SetCount(dialog) == sets; }; };
-    Command command = Make(
-        "Manage: Create", dialog, [=] { Send(dialog, IDC_MANAGE_CREATE); }, count(4));
-    command.told.push_back(L"CAreaSetManager::AddSet: Out of memory.");
-    RunCommand(dialog, command, kDialogKinds);
-    command = Make(
-        "Manage: Copy", dialog, [=] { Send(dialog, IDC_MANAGE_COPY); },
-        [=, this] { return SetCount(dialog) == 4 && StoredRects(IdOf(3)) == kInvoice; });
-    command.told.push_back(L"CAreaSetManager::AddSet: Out of memory.");
-    RunCommand(dialog, command, kDialogKinds);
-    RunCommand(dialog,
-               Make(
-                   "Manage: Remove", dialog, [=] { Send(dialog, IDC_MANAGE_REMOVE); }, count(2), 2),
-               kDialogKinds);
-    RunCommand(dialog,
-               Make(
-                   "Manage: Scanned", dialog, [=] { Push(dialog, IDC_MANAGE_SCANNED); },
-                   [=] { return Checked(dialog, IDC_MANAGE_SCANNED) && !Enabled(dialog, IDC_MANAGE_SETTINGS); }),
-               kDialogKinds);
-    RunCommand(dialog,
-               Make(
-                   "Manage: Page size", dialog, [=] { Push(dialog, IDC_MANAGE_PAGE_SIZE); },
-                   [=] { return Checked(dialog, IDC_MANAGE_PAGE_SIZE) && Enabled(dialog, IDC_MANAGE_SETTINGS); }),
-               kDialogKinds);
-    command = Make(
-        "Manage: Select", dialog,
-        [=] {
+TEST_F(ManageFaults, Commands) {
+    static constexpr const wchar_t* kNotAdded = L"CAreaSetManager::AddSet: Out of memory.";
+    static constexpr const wchar_t* kName = L"A name that is longer than a short one";
+    const auto commands = [this](HWND dialog) -> std::vector<Command> {
+        const auto send = [=](UINT id) { return [=] { Send(dialog, id); }; };
+        const auto push = [=](UINT id) { return [=] { Push(dialog, id); }; };
+        const auto count = [=](int sets) { return [=] { return SetCount(dialog) == sets; }; };
+        const auto select = [=] {
             SelectSet(dialog, 1);
             UpdateWindow(dialog);
-        },
-        [=] { return SelectedSet(dialog) == 1 && TextOf(dialog, IDC_MANAGE_SIZE) == L"297.0 x 210.0 mm"; });
-    command.notice = true;
-    RunCommand(dialog, command, kDialogKinds);
-    command = Make(
-        "Manage: Rename", dialog, [=, this] { Rename(dialog, 2, L"A name that is longer than a short one"); },
-        [=] { return SetName(dialog, 2) == L"A name that is longer than a short one"; }, 2);
-    command.notice = true;
-    RunCommand(dialog, command, kDialogKinds);
-    RunCommand(dialog,
-               Make(
-                   "Manage: Help", dialog,
-                   [=, this] {
-                       m_helped = 0;
-                       Send(dialog, IDHELP);
-                   },
-                   [this] { return m_helped == 1; }),
-               kDialogKinds);
-}
-
-void ManageFaults::RunOpeningCommands(HWND dialog) {
-    const auto send = [=](UINT id) { return [=] { Send(dialog, id); }; };
-    RunCommand(dialog, Opening("Manage: Settings, OK", dialog, IDOK, send(IDC_MANAGE_SETTINGS)), kDialogKinds);
-    RunCommand(dialog, Opening("Manage: Settings, Cancel", dialog, IDCANCEL, send(IDC_MANAGE_SETTINGS)), kFewKinds);
-    RunCommand(dialog, Opening("Manage: Configure, OK", dialog, IDOK, send(IDC_MANAGE_CONFIGURE)), kFewKinds);
-    RunCommand(dialog, Opening("Manage: Configure, Cancel", dialog, IDCANCEL, send(IDC_MANAGE_CONFIGURE)),
-               kDialogKinds);
-    Command command = Opening("Manage: Double click", dialog, IDCANCEL, [=] {
-        NMITEMACTIVATE record = {};
-        record.hdr = {SetsOf(dialog), IDC_MANAGE_LIST, static_cast<UINT>(NM_DBLCLK)};
-        SendMessageW(dialog, WM_NOTIFY, IDC_MANAGE_LIST, reinterpret_cast<LPARAM>(&record));
-    });
-    command.notice = true;
-    RunCommand(dialog, command, kFewKinds);
-}
-
-TEST_F(ManageFaults, CommandsOfTheList) {
-    EXPECT_NE(Pilot([this](HWND dialog) { RunListCommands(dialog); }, [this] { EndFaults(); }, [this] { Open(); }),
-              Flight::kNone);
-}
-
-TEST_F(ManageFaults, CommandsThatOpenDialogs) {
-    EXPECT_NE(Pilot([this](HWND dialog) { RunOpeningCommands(dialog); }, [this] { EndFaults(); }, [this] { Open(); }),
-              Flight::kNone);
+        };
+        const auto help = [=, this] {
+            m_helped = 0;
+            Send(dialog, IDHELP);
+        };
+        const auto doubleClick = [=] {
+            NMITEMACTIVATE record = {};
+            record.hdr = {SetsOf(dialog), IDC_MANAGE_LIST, static_cast<UINT>(NM_DBLCLK)};
+            SendMessageW(dialog, WM_NOTIFY, IDC_MANAGE_LIST, reinterpret_cast<LPARAM>(&record));
+        };
+        const auto source = [=](UINT checked, bool sized) {
+            return [=] { return Checked(dialog, checked) && Enabled(dialog, IDC_MANAGE_SETTINGS) == sized; };
+        };
+        const auto selected = [=] {
+            return SelectedSet(dialog) == 1 && TextOf(dialog, IDC_MANAGE_SIZE) == L"297.0 x 210.0 mm";
+        };
+        return {
+            {.name = "Create", .run = send(IDC_MANAGE_CREATE), .done = count(4), .told = kNotAdded},
+            {.name = "Copy",
+             .run = send(IDC_MANAGE_COPY),
+             .done = [=, this] { return SetCount(dialog) == 4 && StoredRects(IdOf(3)) == kInvoice; },
+             .told = kNotAdded},
+            {.name = "Remove", .run = send(IDC_MANAGE_REMOVE), .done = count(2), .selected = 2},
+            {.name = "Scanned", .run = push(IDC_MANAGE_SCANNED), .done = source(IDC_MANAGE_SCANNED, false)},
+            {.name = "Page size", .run = push(IDC_MANAGE_PAGE_SIZE), .done = source(IDC_MANAGE_PAGE_SIZE, true)},
+            {.name = "Select", .run = select, .done = selected, .notice = true},
+            {.name = "Rename",
+             .run = [this] { Rename(2, kName); },
+             .done = [=] { return SetName(dialog, 2) == kName; },
+             .selected = 2,
+             .notice = true},
+            {.name = "Help", .run = help, .done = [this] { return m_helped == 1; }},
+            {.name = "Settings, OK", .run = send(IDC_MANAGE_SETTINGS), .button = IDOK},
+            {.name = "Settings, Cancel", .run = send(IDC_MANAGE_SETTINGS), .button = IDCANCEL, .kinds = kFewKinds},
+            {.name = "Configure, OK", .run = send(IDC_MANAGE_CONFIGURE), .button = IDOK, .kinds = kFewKinds},
+            {.name = "Configure, Cancel", .run = send(IDC_MANAGE_CONFIGURE), .button = IDCANCEL},
+            {.name = "Double click", .run = doubleClick, .button = IDCANCEL, .notice = true, .kinds = kFewKinds},
+        };
+    };
+    RunCommands(
+        "Manage: ", [this] { Open(); }, commands);
 }
 
 }  // namespace

@@ -1,19 +1,18 @@
 #include "processes/CountedSettings.h"
 
-#include <stdexcept>
+#include <gtest/gtest.h>
+
+#include <cstdio>
 #include <utility>
 
-#include "refhost/com/ComObject.h"
 #include "refhost/settings/HostSettings.h"
 
 namespace test {
 
 namespace {
 
-decltype(&::DllGetClassObject) g_classObject;
-
 // True when this call is to fail.
-bool Count() {
+bool Count(int) {
     HostCalls& calls = Calls();
     if (++calls.count == calls.endAt) TerminateProcess(GetCurrentProcess(), kEndedAtCall);
     if (const auto during = std::exchange(calls.during, nullptr)) {
@@ -23,92 +22,6 @@ bool Count() {
     return calls.count == calls.failAt;
 }
 
-template <class Interface>
-win32::ComPtr<Interface> CreateReal(REFCLSID classId) {
-    win32::ComPtr<IClassFactory> factory;
-    win32::ComPtr<Interface> object;
-    HRESULT status = g_classObject(classId, __uuidof(IClassFactory), reinterpret_cast<void**>(&factory));
-    if (SUCCEEDED(status)) {
-        status = factory->CreateInstance(nullptr, __uuidof(Interface), reinterpret_cast<void**>(&object));
-    }
-    if (FAILED(status)) throw std::runtime_error("the settings store does not give its classes");
-    return object;
-}
-
-class CountedNode final : public com::Object<ISettingsNode> {
-public:
-    explicit CountedNode(win32::ComPtr<ISettingsNode> real) : m_real(std::move(real)) {}
-    ISettingsNode* Real() const { return m_real.GetInterfacePtr(); }
-
-    HRESULT STDMETHODCALLTYPE Reserved3() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved4() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved5() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved6() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved8() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved11() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved14() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved16() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Reserved19() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetSubNodeNames(SAFEARRAY** names) override {
-        return Count() ? Calls().failStatus : m_real->GetSubNodeNames(names);
-    }
-    HRESULT STDMETHODCALLTYPE GetSubNode(BSTR name, ISettingsNode** node) override {
-        win32::ComPtr<ISettingsNode> real;
-        const HRESULT status = Count() ? Calls().failStatus : m_real->GetSubNode(name, &real);
-        *node = SUCCEEDED(status) ? new CountedNode(real) : nullptr;
-        return status;
-    }
-    HRESULT STDMETHODCALLTYPE DeleteSubNode(BSTR name) override {
-        return Count() ? Calls().failStatus : m_real->DeleteSubNode(name);
-    }
-    HRESULT STDMETHODCALLTYPE GetString(BSTR name, BSTR* value) override {
-        return Count() ? Calls().failStatus : m_real->GetString(name, value);
-    }
-    HRESULT STDMETHODCALLTYPE GetInt64(BSTR name, LONGLONG* value) override {
-        return Count() ? Calls().failStatus : m_real->GetInt64(name, value);
-    }
-    HRESULT STDMETHODCALLTYPE GetBool(BSTR name, VARIANT_BOOL* value) override {
-        return Count() ? Calls().failStatus : m_real->GetBool(name, value);
-    }
-    HRESULT STDMETHODCALLTYPE SetString(BSTR name, BSTR value) override {
-        return Count() ? Calls().failStatus : m_real->SetString(name, value);
-    }
-    HRESULT STDMETHODCALLTYPE SetInt64(BSTR name, LONGLONG value) override {
-        return Count() ? Calls().failStatus : m_real->SetInt64(name, value);
-    }
-    HRESULT STDMETHODCALLTYPE SetBool(BSTR name, VARIANT_BOOL value) override {
-        return Count() ? Calls().failStatus : m_real->SetBool(name, value);
-    }
-
-private:
-    win32::ComPtr<ISettingsNode> m_real;
-};
-
-ISettingsNode* RealOf(ISettingsNode* node) {
-    auto* counted = dynamic_cast<CountedNode*>(node);
-    return counted != nullptr ? counted->Real() : node;
-}
-
-class CountedTransfer final : public com::Object<com::NoDispatch<ISettingsTransfer>> {
-public:
-    HRESULT STDMETHODCALLTYPE CopyNode(ISettingsNode* target, ISettingsNode* source) override {
-        return Count() ? Calls().failStatus : m_real->CopyNode(RealOf(target), RealOf(source));
-    }
-    HRESULT STDMETHODCALLTYPE ClearNode(ISettingsNode* target) override {
-        return Count() ? Calls().failStatus : m_real->ClearNode(RealOf(target));
-    }
-
-private:
-    win32::ComPtr<ISettingsTransfer> m_real = CreateReal<ISettingsTransfer>(host::kClsidSettingsTransfer);
-};
-
-IUnknown* MakeNode() {
-    return new CountedNode(CreateReal<ISettingsNode>(host::kClsidSettingsNode));
-}
-IUnknown* MakeTransfer() {
-    return new CountedTransfer;
-}
-
 }  // namespace
 
 HostCalls& Calls() {
@@ -116,18 +29,74 @@ HostCalls& Calls() {
     return calls;
 }
 
-CountedSettings::CountedSettings()
-    : m_nodes(host::kClsidSettingsNode, MakeNode, m_status),
-      m_transfers(host::kClsidSettingsTransfer, MakeTransfer, m_status) {
-    g_classObject = m_store.Export<decltype(::DllGetClassObject)>("DllGetClassObject");
+SettingsFile::SettingsFile() {
+    wchar_t folder[MAX_PATH];
+    GetTempPathW(MAX_PATH, folder);
+    path = std::wstring(folder) + L"sets" + std::to_wstring(GetCurrentProcessId()) + L".json";
 }
 
-CountedSettings::~CountedSettings() = default;
+SettingsFile::~SettingsFile() {
+    Remove();
+    EXPECT_TRUE(classes.Idle());
+}
 
-win32::ComPtr<ISettingsNode> CountedSettings::OpenFile(const wchar_t* path) {
+win32::ComPtr<ISettingsNode> SettingsFile::Open() const {
     win32::ComPtr<ISettingsNode> root;
-    if (FAILED(m_store.Export<decltype(HostSettingsOpenFile)>("HostSettingsOpenFile")(path, &root))) return nullptr;
-    return {new CountedNode(root), false};
+    classes.Dll().Export<decltype(HostSettingsOpenFile)>("HostSettingsOpenFile")(path.c_str(), &root);
+    return root;
+}
+
+void SettingsFile::Write(const std::string& content) const {
+    FILE* file = _wfopen(path.c_str(), L"wb");
+    ASSERT_NE(file, nullptr);
+    fwrite(content.data(), 1, content.size(), file);
+    fclose(file);
+}
+
+std::string SettingsFile::Read() const {
+    std::string content(size_t{1} << 16, '\0');
+    FILE* file = _wfopen(path.c_str(), L"rb");
+    content.resize(file != nullptr ? fread(content.data(), 1, content.size(), file) : 0);
+    if (file != nullptr) fclose(file);
+    return content;
+}
+
+void SettingsFile::Remove() const {
+    for (const wchar_t* suffix : {L"", L".bak", L".lock", L".commit", L".refused-1"})
+        DeleteFileW((path + suffix).c_str());
+}
+
+void SettingsFile::ShowClasses(const std::function<void(void* object, size_t slots)>& show) const {
+    win32::ComPtr<ISettingsNode> node;
+    win32::ComPtr<ISettingsTransfer> transfer;
+    const auto make = [](REFCLSID classId, REFIID iid, auto** object) {
+        EXPECT_EQ(CoCreateInstance(classId, nullptr, CLSCTX_ALL, iid, reinterpret_cast<void**>(object)), S_OK);
+    };
+    make(host::kClsidSettingsNode, __uuidof(ISettingsNode), &node);
+    make(host::kClsidSettingsTransfer, __uuidof(ISettingsTransfer), &transfer);
+    show(node.GetInterfacePtr(), 21);
+    show(transfer.GetInterfacePtr(), 9);
+}
+
+CountedSettings::CountedSettings() {
+    Calls() = {};
+    ShowClasses(
+        [this](void* object, size_t slots) { m_hooks.GateInterface(object, slots, Count, 0, &Calls().failStatus); });
+}
+
+std::string SampleFile(int sets, int areas) {
+    const std::string rect =
+        "{\"Position:left\":10,\"Position:top\":20,\"Position:right\":300,\"Position:bottom\":400}";
+    std::string text = "{";
+    for (int id = 1; id <= sets; ++id) {
+        char key[16];
+        std::snprintf(key, sizeof key, "%#010x", static_cast<unsigned>(id));
+        text += (id > 1 ? ",\"" : "\"") + std::string(key) + "\":{\"Name\":\"Set " + std::to_string(id) +
+                "\",\"Flags\":0,\"DisplayRect\":" + rect + ",\"Rect\":{";
+        for (int i = 0; i < areas; ++i) text += (i > 0 ? ",\"" : "\"") + std::to_string(i) + "\":" + rect;
+        text += "}}";
+    }
+    return text + "}";
 }
 
 }  // namespace test

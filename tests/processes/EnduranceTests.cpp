@@ -4,8 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "processes/SettingsFile.h"
-#include "refhost/imaging/HostImaging.h"
+#include "processes/SettingsFileDialog.h"
 
 namespace test {
 namespace {
@@ -43,28 +42,38 @@ class Endurance : public SettingsFileDialog {
 protected:
     // Load, query, mask, and a dialog in a dialog: OK in all of them in one round, Cancel in the next.
     void Round(bool ok) {
-        OpenFile(m_path);
-        EXPECT_NE(Sets(), L"");
-        EXPECT_GT(MaskedPage(L"Set 2").size(), 1000u);
-        const auto close = ok ? PressOk : PressCancel;
-        EXPECT_TRUE(Play({[](HWND) { PressKey(VK_INSERT); }, [](HWND) { TypeText(L"Round"); },
-                          [](HWND) { PressKey(VK_RETURN); }, [](HWND dialog) { Post(dialog, IDC_MANAGE_CONFIGURE); },
-                          [](HWND dialog) { Push(dialog, IDC_CONFIG_ADD); }, [=](HWND dialog) { close(dialog); },
-                          [=](HWND dialog) { close(dialog); }}));
-        if (ok) {
-            EXPECT_TRUE(
-                Play({[](HWND) { PressKey(VK_END); }, [](HWND dialog) { Push(dialog, IDC_MANAGE_REMOVE); }, PressOk}));
-        }
+        Load();
+        EXPECT_NE(ModuleSets(), L"");
+        EXPECT_GT(m_page.Masked(L"Set 2").size(), 1000u);
+        const UINT button = ok ? IDOK : IDCANCEL;
+        const auto edit = [&](HWND dialog) {
+            Push(dialog, IDC_MANAGE_CREATE);
+            SetWindowTextW(LabelEdit(dialog), L"Round");
+            SetFocus(GetDlgItem(dialog, IDOK));
+            const auto add = [&](HWND inner) {
+                Push(inner, IDC_CONFIG_ADD);
+                Push(inner, button);
+            };
+            EXPECT_EQ(Pilot(add, {}, [&] { Push(dialog, IDC_MANAGE_CONFIGURE); }), Flight::kClosed);
+        };
+        PlayManage(edit, button);
+        EXPECT_EQ(ModuleSets().find(L"Round") != std::wstring::npos, ok);
+        const auto remove = [](HWND dialog) {
+            SelectSet(dialog, SetCount(dialog) - 1);
+            Push(dialog, IDC_MANAGE_REMOVE);
+        };
+        if (ok) PlayManage(remove, IDOK);
         TakeTraces();
         EXPECT_TRUE(TakeHostBoxes().empty());
     }
+
+    const LoadedPage m_page{SAMPLES_DIR L"/letter.tif"};
 };
 
 TEST_F(Endurance, NothingGrows) {
     const int rounds = std::getenv("ZONWICK_TEST_LONG") != nullptr ? 10000 : 40;
-    NewFile(SampleFile());
+    file.Write(SampleFile());
     UsePages({SAMPLES_DIR L"/letter.tif"});
-    LoadPage();
     Holdings first = {};
     for (int round = 1; round <= rounds && !HasFailure(); ++round) {
         Round(round % 2 != 0);

@@ -31,7 +31,7 @@ Process::Process(const std::wstring& job, const std::wstring& words) {
 }
 
 Process::~Process() {
-    if (WaitForSingleObject(m_info.hProcess, 0) == WAIT_TIMEOUT) TerminateProcess(m_info.hProcess, 1);
+    if (Running()) TerminateProcess(m_info.hProcess, 1);
     CloseHandle(m_info.hThread);
     CloseHandle(m_info.hProcess);
 }

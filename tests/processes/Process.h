@@ -15,6 +15,7 @@ public:
     Process& operator=(const Process&) = delete;
 
     HANDLE Handle() const { return m_info.hProcess; }
+    bool Running(DWORD wait = 0) const { return WaitForSingleObject(m_info.hProcess, wait) == WAIT_TIMEOUT; }
     // Waits for its end, which has to come within `wait` milliseconds.
     DWORD ExitCode(DWORD wait = 60000);
 

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "processes/SettingsFile.h"
+#include "processes/SettingsFileDialog.h"
 
 namespace test {
 namespace {
@@ -14,14 +14,12 @@ class Reentry : public SettingsFileDialog {
 protected:
     void SetUp() override {
         SettingsFileDialog::SetUp();
-        NewFile(SampleFile());
-        LoadPage();
-        OpenFile(m_path);
-        m_sets = Sets();
+        Load(SampleFile());
+        m_sets = ModuleSets();
         m_left = m_sets.substr(m_sets.find(L'\n') + 1);
-        m_masked = MaskedPage(L"Set 2");
+        m_masked = m_page.Masked(L"Set 2");
         ASSERT_GT(m_masked.size(), 1000u);
-        m_empty = counted.OpenFile((m_path + L".none").c_str());
+        m_empty.Attach(MakeFakeNode(std::make_shared<FakeTree>()));
     }
     void TearDown() override {
         Calls() = {};
@@ -31,7 +29,7 @@ protected:
 
     // The calls of the phase; in the n-th one, or in each for 0, the host handles messages and asks.
     int Run(Phase phase, int n) {
-        WriteFile(SampleFile());
+        file.Write(SampleFile());
         const auto act = [&](const std::function<void()>& body, HWND dialog) {
             Calls() = {};
             Calls().during = [&, dialog] {
@@ -41,13 +39,15 @@ protected:
             Calls().during = nullptr;
         };
         if (phase == Phase::kLoad) {
-            act([&] { OpenFile(m_path); }, nullptr);
-        } else {
-            OpenFile(m_path);
-            EXPECT_TRUE(Play(
-                {[](HWND dialog) { Push(dialog, IDC_MANAGE_REMOVE); },
-                 [&](HWND dialog) { act([&] { Push(dialog, phase == Phase::kOk ? IDOK : IDCANCEL); }, dialog); }}));
+            act([&] { Load(); }, nullptr);
+            return Calls().count;
         }
+        Load();
+        const auto play = [&](HWND dialog) {
+            Push(dialog, IDC_MANAGE_REMOVE);
+            act([&] { Push(dialog, phase == Phase::kOk ? IDOK : IDCANCEL); }, dialog);
+        };
+        EXPECT_EQ(Pilot(play, {}, [this] { Open(); }), Flight::kClosed);
         return Calls().count;
     }
     // Handles what was posted, but for the steps of the test itself, and asks the module for everything.
@@ -63,12 +63,13 @@ protected:
         EXPECT_FALSE(Open());
         for (IUnknown* host : {static_cast<IUnknown*>(nullptr), static_cast<IUnknown*>(m_empty)}) m_init(host);
         // Those that are edited, or of those being read the ones that are whole.
-        const std::wstring now = Sets();
+        const std::wstring now = ModuleSets();
         const bool read = phase != Phase::kOk && m_sets.starts_with(now);
         EXPECT_TRUE(read || (phase != Phase::kLoad && now == m_left)) << testing::PrintToString(now);
-        EXPECT_EQ(MaskedPage(L"Set 2"), now.find(L"Set 2") != std::wstring::npos ? m_masked : "");
+        EXPECT_EQ(m_page.Masked(L"Set 2"), now.find(L"Set 2") != std::wstring::npos ? m_masked : "");
     }
 
+    const LoadedPage m_page{SAMPLES_DIR L"/letter.tif"};
     std::wstring m_sets, m_left;  // all, and without the first
     std::string m_masked;
     win32::ComPtr<ISettingsNode> m_empty;
@@ -79,18 +80,18 @@ TEST_F(Reentry, MessagesAndQuestionsInEachCallChangeNothing) {
     const bool all = std::getenv("ZONWICK_TEST_LONG") != nullptr;
     for (const Phase phase : {Phase::kLoad, Phase::kOk, Phase::kCancel}) {
         const int calls = Run(phase, -1);
-        const std::string stored = ReadFile();
+        const std::string stored = file.Read();
         EXPECT_EQ(stored != SampleFile(), phase == Phase::kOk);
         EXPECT_GT(calls, 40);
         int runs = 0;
         for (int n = 0; n <= calls; n += all ? 1 : std::max(calls / 8, 1), ++runs) {
             SCOPED_TRACE(testing::Message() << "phase " << static_cast<int>(phase) << ", call " << n);
             EXPECT_EQ(Run(phase, n), calls);
-            EXPECT_EQ(ReadFile(), stored);
-            EXPECT_EQ(Sets(), phase == Phase::kOk ? m_left : m_sets);
+            EXPECT_EQ(file.Read(), stored);
+            EXPECT_EQ(ModuleSets(), phase == Phase::kOk ? m_left : m_sets);
             EXPECT_TRUE(TakeHostBoxes().empty());
-            OpenFile(m_path);
-            EXPECT_EQ(Sets(), phase == Phase::kOk ? m_left : m_sets) << "as they stand in the file";
+            Load();
+            EXPECT_EQ(ModuleSets(), phase == Phase::kOk ? m_left : m_sets) << "as they stand in the file";
         }
         std::printf("%d calls of the host, messages and questions in %d of them and in all at once\n", calls, runs - 1);
     }
@@ -105,20 +106,21 @@ TEST_F(Reentry, AReadThatIsCutOffTakesNothingFromTheFile) {
     for (const HRESULT status : {E_OUTOFMEMORY, RPC_E_DISCONNECTED}) {
         for (int n = 1; n <= calls; n += all ? 1 : calls / 8, ++runs) {
             SCOPED_TRACE(testing::Message() << std::hex << status << std::dec << " at call " << n);
-            WriteFile(SampleFile());
+            file.Write(SampleFile());
             Calls() = {0, 0, n, status};
-            OpenFile(m_path);
+            Load();
             Calls() = {};
-            const std::string page = MaskedPage(L"Set 2");
+            const std::string page = m_page.Masked(L"Set 2");
             EXPECT_TRUE(page.empty() || page == m_masked);
             masked += page.empty() ? 0 : 1;
-            Play({[&](HWND dialog) {
+            const auto play = [](HWND dialog) {
                 for (const UINT id : {IDC_MANAGE_REMOVE, IDOK, IDCANCEL}) SendMessageW(dialog, WM_COMMAND, id, 0);
-            }});
-            EXPECT_EQ(ReadFile(), SampleFile());
+            };
+            Pilot(play, {}, [this] { Open(); });
+            EXPECT_EQ(file.Read(), SampleFile());
             TakeHostBoxes();
-            OpenFile(m_path);
-            EXPECT_EQ(Sets(), m_sets);
+            Load();
+            EXPECT_EQ(ModuleSets(), m_sets);
         }
     }
     std::printf("%d reads cut off, %d times the page was masked\n", runs, masked);

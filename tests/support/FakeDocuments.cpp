@@ -16,6 +16,10 @@ public:
     HRESULT STDMETHODCALLTYPE GetBytes(SAFEARRAY** bytes) override {
         *bytes = nullptr;
         if (Host().Fails()) return Host().giveNull ? S_OK : E_FAIL;
+        if (g_stack->makeArray) {
+            *bytes = g_stack->makeArray();
+            return S_OK;
+        }
         *bytes = SafeArrayCreateVector(g_stack->byteType, 0, static_cast<ULONG>(g_stack->byteCount));
         if (g_stack->byteType != VT_UI1) return S_OK;
         // Elements of the stack's own, which are 0 when the array has been destroyed.
@@ -123,9 +127,9 @@ private:
             g_stack->arrayOutlivedLoader |= g_stack->bytes[0] != 0;
             return m_owner.Release();
         }
-        HRESULT STDMETHODCALLTYPE LoadFromMemory(const BYTE*, LONG length) override {
+        HRESULT STDMETHODCALLTYPE LoadFromMemory(const BYTE* bytes, LONG length) override {
             if (Host().Fails()) return E_FAIL;
-            g_stack->loaded.push_back(length);
+            g_stack->loaded.emplace_back(bytes, bytes + length);
             return g_stack->load;
         }
         HRESULT STDMETHODCALLTYPE CreateBlank(LONG, LONG, LONG, LONG, LONG) override { return E_NOTIMPL; }

@@ -1,6 +1,7 @@
 #pragma once
 // A document stack and page images for tests: any number of pages, nulls and odd byte arrays where asked for.
 
+#include <functional>
 #include <vector>
 
 #include "host/DocumentStack.h"
@@ -15,10 +16,11 @@ struct FakeStack {
     int nullPage = -1;
     VARTYPE byteType = VT_UI1;
     LONG byteCount = 3;
-    HRESULT dataQuery = S_OK;  // what the data object answers when it is asked for IImageData
-    HRESULT load = S_OK;       // what LoadFromMemory answers
-    std::vector<LONG> loaded;  // lengths that LoadFromMemory got
-    BYTE bytes[4] = {};        // of the last array
+    HRESULT dataQuery = S_OK;                         // what the data object answers when it is asked for IImageData
+    HRESULT load = S_OK;                              // what LoadFromMemory answers
+    std::vector<std::vector<BYTE>> loaded = {};       // what LoadFromMemory got
+    std::function<SAFEARRAY*()> makeArray = nullptr;  // makes the arrays instead
+    BYTE bytes[4] = {};                               // of the last array
     bool arrayOutlivedLoader = false;
 };
 

@@ -1,49 +1,73 @@
 #pragma once
-// Zonwick.dll among fake libraries of the host, loaded for the length of a test; its exports by ordinal, its traces and
-// boxes recorded.
+// What tests ask Zonwick.dll for when it is loaded, and a page for it to mask.
+
+#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "fakehost/FakeHost.h"
+#include "refhost/com/ClassRegistration.h"
+#include "refhost/imaging/HostImaging.h"
 #include "zonwick/zonwick.h"
 
 namespace test {
 
-struct ModuleTrace {
-    int severity;
-    std::string source;
+template <class Function>
+Function* ModuleExport(const char* name) {
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"Zonwick.dll"), name)));
+}
+
+// All sets as the exports tell them, a line each: identifier, name, flags, the sides of each area.
+inline std::wstring ModuleSets() {
     std::wstring text;
-    bool operator==(const ModuleTrace&) const = default;
-};
+    DWORD id = 0;
+    for (int i = 0; ModuleExport<decltype(::SAMapIndex2ID)>("SAMapIndex2ID")(i, &id); ++i) {
+        SAAreaInfo info = {};
+        EXPECT_TRUE(ModuleExport<decltype(::SAGetAreaInfo)>("SAGetAreaInfo")(id, &info));
+        std::vector<RECT> rects(info.nAreas);
+        EXPECT_TRUE(ModuleExport<decltype(::SAGetAreaRects)>("SAGetAreaRects")(id, rects.data()));
+        text += std::to_wstring(id) + L" " + info.szName + L" " + std::to_wstring(info.dwFlags);
+        for (const RECT& rect : rects) {
+            for (const LONG side : {rect.left, rect.top, rect.right, rect.bottom}) text += L" " + std::to_wstring(side);
+        }
+        text += L"\n";
+    }
+    return text;
+}
 
-class LoadedModule {
+// The first page of a file, as the imaging library has it.
+class LoadedPage {
 public:
-    LoadedModule();
-    ~LoadedModule();
-    LoadedModule(const LoadedModule&) = delete;
-    LoadedModule& operator=(const LoadedModule&) = delete;
+    explicit LoadedPage(const wchar_t* path) {
+        void* file = nullptr;
+        uint32_t frames = 0;
+        EXPECT_TRUE(m_library.Export<decltype(::HostOpenImageFile)>("HostOpenImageFile")(path, &file, &frames));
+        EXPECT_TRUE(m_library.Export<decltype(::HostLoadFrame)>("HostLoadFrame")(file, 0, 0, 0, &m_image));
+        m_library.Export<decltype(::HostCloseImageFile)>("HostCloseImageFile")(file);
+    }
+    ~LoadedPage() {
+        // Exported without a name.
+        reinterpret_cast<decltype(&::HostReleaseImage)>(
+            reinterpret_cast<void*>(GetProcAddress(m_library.Get(), MAKEINTRESOURCEA(83))))(m_image);
+    }
+    LoadedPage(const LoadedPage&) = delete;
+    LoadedPage& operator=(const LoadedPage&) = delete;
 
-    std::vector<ModuleTrace> TakeTraces();
-    // The texts of TakeTraces without those that every look-up for a free identifier leaves while loading.
-    std::vector<std::wstring> TakeTexts();
-    FakeImaging& Imaging() { return *m_imaging; }
-    int Boxes() const { return m_boxes; }
-
-    decltype(&::SAInit) Init;
-    decltype(&::SAGetAreaInfo) GetAreaInfo;
-    decltype(&::SAGetAreaRects) GetAreaRects;
-    decltype(&::SAMapID2Index) MapID2Index;
-    decltype(&::SAMapIndex2ID) MapIndex2ID;
-    decltype(&::SAChangeColors) ChangeColors;
-    decltype(&::CreateAreaSetImage) CreateImage;
-    decltype(&::FreeAreaSetImage) FreeImage;
+    void* Get() const { return m_image; }
+    // The block of the page masked by a set; empty when it is refused.
+    std::string Masked(const wchar_t* set) const {
+        BYTE* block = nullptr;
+        DWORD length = 0;
+        if (!ModuleExport<decltype(::CreateAreaSetImage)>("CreateAreaSetImage")(m_image, set, &block, &length))
+            return {};
+        std::string content(block, block + length);
+        ModuleExport<decltype(::FreeAreaSetImage)>("FreeAreaSetImage")(block);
+        return content;
+    }
 
 private:
-    HMODULE m_module;
-    FakeImaging* m_imaging;
-    std::vector<ModuleTrace> m_traces;
-    int m_boxes = 0;
+    com::HostDll m_library{L"HostImaging.dll"};
+    void* m_image = nullptr;
 };
 
 }  // namespace test
