@@ -1,10 +1,14 @@
 #include "refhost/app/AreaSetFile.h"
 
 #include <algorithm>
+#include <bitset>
 #include <initializer_list>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <set>
+#include <unordered_map>
+#include <utility>
 
 #include "refhost/app/ImportPlan.h"
 #include "refhost/app/Text.h"
@@ -17,12 +21,170 @@ using nlohmann::json;
 
 constexpr int32_t kLongest = std::numeric_limits<int32_t>::max();
 
+// An area as it usually stands in a file, taken from the parser's events. There can be hundreds of thousands, so it
+// needs no block of the heap.
+class UsualArea {
+public:
+    // False: not the name of an edge, or one that was there before.
+    bool TakeName(const std::string& name) {
+        const auto* const edge = std::ranges::find(kEdges, name, &Edge::name);
+        if (edge == std::end(kEdges) || m_seen[Index(*edge)]) return false;
+        m_seen.set(Index(*edge));
+        m_edge = edge;
+        return true;
+    }
+    // The value of the name taken last. False: beyond 32 bits.
+    template <class Number>
+    bool TakeNumber(Number value) {
+        if (!std::in_range<int32_t>(value)) return false;
+        m_area.*m_edge->coordinate = static_cast<int32_t>(value);
+        return true;
+    }
+    bool IsGood() const { return m_seen.all() && m_area.left <= m_area.right && m_area.top <= m_area.bottom; }
+    const Rect& Get() const { return m_area; }
+    // Writes what was taken; the member of the name taken last, whose value may not have come yet, or null.
+    json* WriteTo(json& object) const {
+        json* last = nullptr;
+        for (const Edge& edge : kEdges) {
+            if (!m_seen[Index(edge)]) continue;
+            json& member = object[edge.name] = m_area.*edge.coordinate;
+            if (&edge == m_edge) last = &member;
+        }
+        return last;
+    }
+
+private:
+    struct Edge {
+        const char* name;
+        int32_t Rect::*coordinate;
+    };
+    static constexpr Edge kEdges[] = {
+        {"left", &Rect::left}, {"top", &Rect::top}, {"right", &Rect::right}, {"bottom", &Rect::bottom}};
+    static size_t Index(const Edge& edge) { return static_cast<size_t>(&edge - kEdges); }
+
+    Rect m_area;
+    std::bitset<std::size(kEdges)> m_seen;
+    const Edge* m_edge = nullptr;
+};
+
+// Builds the document of a file, all but the good areas at the beginning of each list: from the first one on that is to
+// be complained about, a list is in the document. Remembers the first name that stands twice in an object: the parser
+// alone would keep the last of the two silently, and its own callback looks through the whole parent at each object's
+// end.
+class DocumentBuilder {
+public:
+    using number_integer_t = json::number_integer_t;
+    using number_unsigned_t = json::number_unsigned_t;
+    using number_float_t = json::number_float_t;
+    using string_t = json::string_t;
+    using binary_t = json::binary_t;
+
+    json root;
+    std::string duplicate;
+
+    // The areas that a list begins with and that are not in the document.
+    std::vector<Rect> TakeAreas(const json& list) { return std::move(m_areas[&list]); }
+
+    bool null() { return Put(nullptr); }
+    bool boolean(bool value) { return Put(value); }
+    bool number_integer(number_integer_t value) { return TakeNumber(value) || Put(value); }
+    bool number_unsigned(number_unsigned_t value) { return TakeNumber(value) || Put(value); }
+    bool number_float(number_float_t value, const string_t&) { return Put(value); }
+    bool string(string_t& value) { return Put(std::move(value)); }
+    bool binary(binary_t&) { return false; }
+    bool start_object(size_t) {
+        if (m_area || m_list == nullptr || !m_list->empty()) return Open(json::object());
+        m_area.emplace();
+        return true;
+    }
+    bool start_array(size_t) {
+        const bool ofAreas = m_namedAreas && m_open.back()->is_object();
+        Open(json::array());
+        if (ofAreas) {
+            m_list = m_open.back();
+            m_taken = &m_areas[m_list];
+        }
+        return true;
+    }
+    bool end_object() {
+        if (!m_area || !m_area->IsGood()) return Close();
+        m_taken->push_back(m_area->Get());
+        m_area.reset();
+        return true;
+    }
+    bool end_array() {
+        if (m_list == m_open.back()) m_list = nullptr;
+        return Close();
+    }
+    bool key(string_t& name) {
+        if (m_area && m_area->TakeName(name)) return true;
+        MoveAreaToDocument();
+        m_namedAreas = name == "areas";
+        const auto [member, fresh] = m_open.back()->get_ref<json::object_t&>().emplace(name, nullptr);
+        if (!fresh && duplicate.empty()) duplicate = name;
+        m_member = &member->second;
+        return true;
+    }
+    template <class Error>
+    bool parse_error(size_t, const std::string&, const Error& error) {
+        throw error;
+    }
+
+private:
+    template <class Number>
+    bool TakeNumber(Number value) {
+        return m_area && m_area->TakeNumber(value);
+    }
+    // The area at hand is not as usual.
+    void MoveAreaToDocument() {
+        if (!m_area) return;
+        const UsualArea area = *m_area;
+        m_area.reset();
+        Open(json::object());
+        m_member = area.WriteTo(*m_open.back());
+    }
+    json* Add(json&& value) {
+        MoveAreaToDocument();
+        json* place = &root;
+        if (!m_open.empty() && m_open.back()->is_array()) {
+            place = &m_open.back()->get_ref<json::array_t&>().emplace_back();
+        } else if (!m_open.empty()) {
+            place = m_member;
+        }
+        *place = std::move(value);
+        return place;
+    }
+    bool Put(json&& value) {
+        Add(std::move(value));
+        return true;
+    }
+    bool Open(json&& value) {
+        m_open.push_back(Add(std::move(value)));
+        return true;
+    }
+    bool Close() {
+        MoveAreaToDocument();
+        m_open.pop_back();
+        return true;
+    }
+
+    // The innermost is the last; only that one grows, so that the others stay where they are.
+    std::vector<json*> m_open;
+    json* m_member = nullptr;
+    bool m_namedAreas = false;             // the name that was read last is that of a list of areas
+    json* m_list = nullptr;                // the open list of areas
+    std::vector<Rect>* m_taken = nullptr;  // its areas that are not in the document
+    std::optional<UsualArea> m_area;
+    std::unordered_map<const json*, std::vector<Rect>> m_areas;
+};
+
 // Reads one file; `m_place` is the path of the value at hand, for messages.
 class Reader {
 public:
-    explicit Reader(const std::string& fileName) : m_fileName(fileName) {}
+    Reader(const std::string& fileName, DocumentBuilder& document) : m_fileName(fileName), m_document(document) {}
 
-    std::vector<AreaSetRecord> Read(const json& root) {
+    std::vector<AreaSetRecord> Read() {
+        const json& root = m_document.root;
         Expect(root.is_object(), "", "must be an object with an entry \"sets\"");
         OnlyEntries(root, "", {"unit", "sets"});
         if (root.contains("unit")) {
@@ -75,21 +237,6 @@ private:
         return value.get<int64_t>();
     }
 
-    // The usual area, without the texts that a complaint would need: there can be hundreds of thousands.
-    static bool IsGoodArea(const json& value, Rect& area) {
-        if (!value.is_object() || value.size() != 4) return false;
-        for (const auto& [key, coordinate] :
-             {std::pair("left", &area.left), {"top", &area.top}, {"right", &area.right}, {"bottom", &area.bottom}}) {
-            const auto found = value.find(key);
-            if (found == value.end() || !found->is_number_integer()) return false;
-            if (found->is_number_unsigned() && found->get<uint64_t>() > uint64_t{kLongest}) return false;
-            const auto number = found->get<int64_t>();
-            *coordinate = static_cast<int32_t>(number);
-            if (*coordinate != number) return false;
-        }
-        return area.left <= area.right && area.top <= area.bottom;
-    }
-
     Rect ReadArea(const json& value, const std::string& place) const {
         Expect(value.is_object(), place, "must be an object with left, top, right and bottom");
         OnlyEntries(value, place, {"left", "top", "right", "bottom"});
@@ -112,7 +259,7 @@ private:
         return flags;
     }
 
-    AreaSetRecord ReadSet(const json& value, const std::string& place) const {
+    AreaSetRecord ReadSet(const json& value, const std::string& place) {
         Expect(value.is_object(), place, "must be an object with name, mode and areas");
         OnlyEntries(value, place, {"id", "name", "mode", "flags", "page", "areas"});
         AreaSetRecord set;
@@ -122,12 +269,8 @@ private:
         Expect(problem.empty(), place + ".name", problem);
         set.flags = ReadFlags(value, place);
         Expect(value.contains("areas") && value["areas"].is_array(), place + ".areas", "must be a list of areas");
-        set.areas.reserve(value["areas"].size());
+        set.areas = m_document.TakeAreas(value["areas"]);
         for (const json& area : value["areas"]) {
-            if (Rect good; IsGoodArea(area, good)) {
-                set.areas.push_back(good);
-                continue;
-            }
             set.areas.push_back(ReadArea(area, place + ".areas[" + std::to_string(set.areas.size()) + "]"));
         }
         set.page = DefaultPage(set.areas);
@@ -142,70 +285,7 @@ private:
     }
 
     const std::string& m_fileName;
-};
-
-// Builds the document, and remembers the first name that stands twice in an object: the parser alone would keep the
-// last of the two silently. Its own callback looks through the whole parent at the end of each object.
-class DocumentBuilder {
-public:
-    using number_integer_t = json::number_integer_t;
-    using number_unsigned_t = json::number_unsigned_t;
-    using number_float_t = json::number_float_t;
-    using string_t = json::string_t;
-    using binary_t = json::binary_t;
-
-    json root;
-    std::string duplicate;
-
-    bool null() { return Put(nullptr); }
-    bool boolean(bool value) { return Put(value); }
-    bool number_integer(number_integer_t value) { return Put(value); }
-    bool number_unsigned(number_unsigned_t value) { return Put(value); }
-    bool number_float(number_float_t value, const string_t&) { return Put(value); }
-    bool string(string_t& value) { return Put(std::move(value)); }
-    bool binary(binary_t&) { return false; }
-    bool start_object(size_t) { return Open(json::object()); }
-    bool start_array(size_t) { return Open(json::array()); }
-    bool end_object() { return Close(); }
-    bool end_array() { return Close(); }
-    bool key(string_t& name) {
-        const auto [member, fresh] = m_open.back()->get_ref<json::object_t&>().emplace(name, nullptr);
-        if (!fresh && duplicate.empty()) duplicate = name;
-        m_member = &member->second;
-        return true;
-    }
-    template <class Error>
-    bool parse_error(size_t, const std::string&, const Error& error) {
-        throw error;
-    }
-
-private:
-    json* Add(json&& value) {
-        json* place = &root;
-        if (!m_open.empty() && m_open.back()->is_array()) {
-            place = &m_open.back()->get_ref<json::array_t&>().emplace_back();
-        } else if (!m_open.empty()) {
-            place = m_member;
-        }
-        *place = std::move(value);
-        return place;
-    }
-    bool Put(json&& value) {
-        Add(std::move(value));
-        return true;
-    }
-    bool Open(json&& value) {
-        m_open.push_back(Add(std::move(value)));
-        return true;
-    }
-    bool Close() {
-        m_open.pop_back();
-        return true;
-    }
-
-    // The innermost is the last; only that one grows, so that the others stay where they are.
-    std::vector<json*> m_open;
-    json* m_member = nullptr;
+    DocumentBuilder& m_document;
 };
 
 // Looks for what tells a settings file and stops at what tells an area set file.
@@ -287,7 +367,7 @@ std::vector<AreaSetRecord> ParseAreaSets(std::string_view text, const std::strin
         throw CommandError(ExitCode::kNothingDone,
                            fileName + ": an object has two entries \"" + document.duplicate + "\"");
     }
-    return Reader(fileName).Read(document.root);
+    return Reader(fileName, document).Read();
 }
 
 std::string FormatAreaSets(const std::vector<AreaSetRecord>& sets) {
