@@ -5,11 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "host/StoredSettings.h"
-
 namespace zonhost {
 
-using host::kAreasIgnored;
+// The areas are the parts of the page to leave out.
+inline constexpr uint32_t kAreasIgnored = 0x10000000;
 // UTF-16 units of a name; a longer one could not be found by the exports.
 inline constexpr size_t kLongestName = 63;
 

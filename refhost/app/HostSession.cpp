@@ -4,7 +4,6 @@
 
 #include <system_error>
 
-#include "host/Severity.h"
 #include "refhost/app/Console.h"
 #include "refhost/app/StoredSets.h"
 #include "refhost/com/ClassRegistration.h"
@@ -42,14 +41,16 @@ void ShowTrace(const HostTrace* trace) {
                std::to_string(trace->severity) + ": " + Utf8FromWide(trace->text) + "\n");
 }
 
+constexpr int kErrorSeverity = 2;
+
 void CALLBACK OnTrace(const HostTrace* trace, void* context) {
     Reports& reports = *static_cast<Reports*>(context);
     if (reports.verbose) ShowTrace(trace);
     const std::string_view source = trace->source ? trace->source : "";
-    const bool waits = (source == kSettingsTraceSource || source == host::kSourceAreaSetManager) &&
+    const bool waits = (source == "HostSettings" || source == "AreaSetManager") &&
                        std::wstring_view(trace->text).ends_with(L"waiting for it.");
     if (waits) PrintError("zonhost: " + Utf8FromWide(trace->text) + "\n");
-    if (trace->severity == Log::kError && source == kSettingsTraceSource) {
+    if (trace->severity == kErrorSeverity && source == "HostSettings") {
         reports.commits.failure = Utf8FromWide(trace->text);
     }
 }

@@ -1,5 +1,9 @@
 #include "refhost/app/ImportPlan.h"
 
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
 #include <set>
 #include <unordered_map>
 
@@ -10,7 +14,7 @@ namespace zonhost {
 namespace {
 
 // Keys are read back as signed numbers: above this, two identifiers would be taken for one.
-constexpr uint32_t kLastId = host::kLargestSetKey - 1;
+constexpr uint32_t kLastId = 0x7FFFFFFE;
 
 class IdSource {
 public:
@@ -35,12 +39,16 @@ private:
 }  // namespace
 
 uint32_t IdOfKey(const std::string& key) {
-    return host::ParseSetKey(PathFromUtf8(key).wstring());
+    const long long value = std::strtoll(key.c_str(), nullptr, 16);
+    constexpr long long kLow = std::numeric_limits<int32_t>::min();
+    constexpr long long kHigh = std::numeric_limits<int32_t>::max();
+    return static_cast<uint32_t>(std::clamp(value, kLow, kHigh));
 }
 
 std::string KeyOfId(uint32_t id) {
-    const std::wstring key = host::MakeSetKey(id);
-    return {key.begin(), key.end()};
+    char key[16];
+    std::snprintf(key, sizeof key, "0x%08x", id);
+    return key;
 }
 
 std::vector<PlannedSet> PlanImport(std::vector<AreaSetRecord> sets, const std::vector<StoredSet>& stored,

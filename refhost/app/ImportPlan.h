@@ -15,7 +15,7 @@ struct StoredSet {
     std::string key;  // name of its node
 };
 
-// The identifier that a node's name (valid UTF-8) stands for, as the module reads it; 0: the node is no set.
+// The identifier that a node's name stands for, as the module reads it; 0: the node is no set.
 uint32_t IdOfKey(const std::string& key);
 // The name of a new set's node.
 std::string KeyOfId(uint32_t id);

@@ -7,7 +7,6 @@
 
 #include "host/HostIds.h"
 #include "host/PageImage.h"
-#include "host/SafeArray.h"
 #include "refhost/app/Console.h"
 #include "refhost/app/Text.h"
 
@@ -57,19 +56,23 @@ Pointer<IPageImage> LoadImageOf(IQuirePage* page) {
     if (page == nullptr || FAILED(page->GetImageSource(&source)) || source == nullptr ||
         FAILED(source->GetData(&unknown)) || unknown == nullptr ||
         FAILED(unknown->QueryInterface(__uuidof(IImageData), reinterpret_cast<void**>(&data))) ||
-        FAILED(data->GetBytes(&bytes))) {
+        FAILED(data->GetBytes(&bytes)) || bytes == nullptr) {
         return nullptr;
     }
-    host::ArrayOwner array(bytes);
     Pointer<IPageImage> image;
     Pointer<IImageLoader> loader;
-    if (FAILED(array.Lock(VT_UI1)) ||
-        FAILED(CoCreateInstance(host::kClsidPageImage, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IPageImage),
-                                reinterpret_cast<void**>(&image))) ||
-        FAILED(image->QueryInterface(__uuidof(IImageLoader), reinterpret_cast<void**>(&loader))) ||
-        FAILED(loader->LoadFromMemory(array.Data<const BYTE>(), static_cast<LONG>(array.Count())))) {
-        return nullptr;
+    void* content = nullptr;
+    if (SUCCEEDED(SafeArrayAccessData(bytes, &content))) {
+        const auto length = static_cast<LONG>(bytes->rgsabound[0].cElements);
+        if (FAILED(CoCreateInstance(host::kClsidPageImage, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IPageImage),
+                                    reinterpret_cast<void**>(&image))) ||
+            FAILED(image->QueryInterface(__uuidof(IImageLoader), reinterpret_cast<void**>(&loader))) ||
+            FAILED(loader->LoadFromMemory(static_cast<const BYTE*>(content), length))) {
+            image = nullptr;
+        }
+        SafeArrayUnaccessData(bytes);
     }
+    SafeArrayDestroy(bytes);
     return image;
 }
 

@@ -6,9 +6,8 @@
 #include <map>
 #include <string_view>
 
-#include "host/Lengths.h"
-#include "host/StoredSettings.h"
 #include "refhost/app/Console.h"
+#include "refhost/app/StoredLayout.h"
 #include "refhost/app/Text.h"
 
 namespace zonhost {
@@ -23,7 +22,8 @@ bool Fits(LONGLONG value) {
 }
 
 // The form in which the library writes keys. A value under such a name was a set.
-bool IsWrittenKey(const std::string& name, uint32_t id) {
+bool IsWrittenKey(const std::string& name) {
+    const uint32_t id = IdOfKey(name);
     return id != 0 && FoldCase(name) == KeyOfId(id);
 }
 
@@ -33,8 +33,6 @@ std::string Quoted(std::wstring_view name) {
 
 // Reads one rectangle node.
 struct RectReader {
-    static constexpr auto& kCoordinates = host::kStoredCoordinates<Rect>;
-
     Rect rect;
     std::array<bool, std::size(kCoordinates)> seen{};
     std::string problem;
@@ -44,7 +42,7 @@ struct RectReader {
             if (kCoordinates[i].name != name) continue;
             seen[i] = true;
             if (member.kind == kHostSettingsNumber && Fits<int32_t>(member.number)) {
-                rect.*kCoordinates[i].member = static_cast<int32_t>(member.number);
+                rect.*kCoordinates[i].coordinate = static_cast<int32_t>(member.number);
             } else if (problem.empty()) {
                 problem = Utf8FromWide(name) + " is no whole number of 32 bits";
             }
@@ -91,9 +89,9 @@ private:
 
     void AtRoot(std::wstring_view name, const HostSettingsMember& member) {
         std::string key = Utf8FromWide(name);
-        const uint32_t id = host::ParseSetKey(std::wstring(name));
+        const uint32_t id = IdOfKey(key);
         const bool node = member.kind == kHostSettingsNode;
-        if (id != 0 && (node || IsWrittenKey(key, id))) {
+        if (id != 0 && (node || IsWrittenKey(key))) {
             m_sets.push_back({});
             m_sets.back().record.id = id;
             m_sets.back().key = std::move(key);
@@ -131,26 +129,26 @@ private:
     Place InSet(std::wstring_view name, const HostSettingsMember& member) {
         TreeSet& set = m_sets.back();
         const bool node = member.kind == kHostSettingsNode;
-        if (name == host::kKeyName) {
+        if (name == L"Name") {
             m_named = true;
             if (member.kind == kHostSettingsText) {
                 set.record.name = Utf8FromWide({member.text, member.textLength});
             } else {
                 Blame("Name is no text");
             }
-        } else if (name == host::kKeyFlags) {
+        } else if (name == L"Flags") {
             m_flagged = true;
             if (member.kind == kHostSettingsNumber && Fits<uint32_t>(member.number)) {
                 set.record.flags = static_cast<uint32_t>(member.number);
             } else {
                 Blame("Flags is no whole number from 0 to 4294967295");
             }
-        } else if (name == host::kKeyRect) {
+        } else if (name == L"Rect") {
             m_listed = true;
             m_highest = -1;
             if (node) return Place::kAreas;
             Blame("Rect is no group of areas");
-        } else if (name == host::kKeyDisplayRect) {
+        } else if (name == L"DisplayRect") {
             m_paged = true;
             m_rect = {};
             if (node) return Place::kPage;
@@ -171,7 +169,11 @@ private:
 
     void EndArea(std::wstring_view name) {
         if (!m_rect.problem.empty()) Blame("area " + Quoted(name) + ": " + m_rect.problem);
-        m_sets.back().record.areas.push_back(host::Normalized(m_rect.rect));  // as the library serves it
+        // As the library serves it.
+        Rect& rect = m_rect.rect;
+        if (rect.left > rect.right) std::swap(rect.left, rect.right);
+        if (rect.top > rect.bottom) std::swap(rect.top, rect.bottom);
+        m_sets.back().record.areas.push_back(rect);
         const auto isDigit = [](wchar_t c) { return c >= L'0' && c <= L'9'; };
         if (!name.empty() && name.size() < 10 && std::all_of(name.begin(), name.end(), isDigit)) {
             m_highest = std::max(m_highest, static_cast<int64_t>(std::stol(std::wstring(name))));

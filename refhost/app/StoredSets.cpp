@@ -2,9 +2,10 @@
 
 #include <comdef.h>
 
-#include "host/SafeArray.h"
-#include "host/StoredSettings.h"
+#include <memory>
+
 #include "refhost/app/Console.h"
+#include "refhost/app/StoredLayout.h"
 #include "refhost/app/Text.h"
 #include "refhost/settings/HostSettings.h"
 
@@ -29,20 +30,28 @@ ISettingsNodePtr SubNode(ISettingsNode* node, const _bstr_t& name) {
     return sub;
 }
 
+struct DestroyArray {
+    void operator()(SAFEARRAY* array) const noexcept { SafeArrayDestroy(array); }
+};
+
 std::vector<std::string> SubNodeNames(ISettingsNode* node) {
     SAFEARRAY* raw = nullptr;
     Check(node->GetSubNodeNames(&raw));
-    host::ArrayOwner array(raw);
-    Check(array.Lock(VT_BSTR));
+    if (!raw) _com_raise_error(E_POINTER);
+    const std::unique_ptr<SAFEARRAY, DestroyArray> array(raw);
+    LONG low = 0;
+    LONG high = -1;
+    Check(SafeArrayGetLBound(raw, 1, &low));
+    Check(SafeArrayGetUBound(raw, 1, &high));
     std::vector<std::string> names;
-    for (int64_t i = 0; i < array.Count(); ++i) {
-        const BSTR name = array.Data<const BSTR>()[i];
-        names.push_back(Utf8FromWide({name ? name : L"", SysStringLen(name)}));
+    for (LONG i = low; i <= high; ++i) {
+        BSTR name = nullptr;
+        Check(SafeArrayGetElement(raw, &i, &name));
+        const _bstr_t owner(name, false);
+        names.push_back(Utf8FromWide({name ? name : L"", owner.length()}));
     }
     return names;
 }
-
-constexpr auto& kCoordinates = host::kStoredCoordinates<Rect>;
 
 // Writes rectangles under the names of their values, which are made once for all of them.
 class RectWriter {
@@ -50,7 +59,7 @@ public:
     void Write(ISettingsNode* node, const _bstr_t& name, const Rect& rect) const {
         const ISettingsNodePtr sub = SubNode(node, name);
         for (size_t i = 0; i < std::size(kCoordinates); ++i) {
-            Check(sub->SetInt64(m_names[i], rect.*kCoordinates[i].member));
+            Check(sub->SetInt64(m_names[i], rect.*kCoordinates[i].coordinate));
         }
     }
 
@@ -68,16 +77,12 @@ size_t Digits(int64_t value) {
 }  // namespace
 
 void ExpectRoom(const std::vector<AreaSetRecord>& sets) {
-    // An area as it stands in the file, without its numbers: "": {"Position:bottom": , ... "Position:top": },
-    constexpr size_t kArea = [] {
-        size_t length = std::string_view(R"("": {},)").size() - 2;
-        for (const auto& coordinate : kCoordinates) length += std::wstring_view(coordinate.name).size() + 6;
-        return length;
-    }();
+    constexpr std::string_view kArea =
+        R"("": {"Position:bottom": , "Position:left": , "Position:right": , "Position:top": },)";
     size_t size = 0;
     for (const AreaSetRecord& set : sets) {
         for (const Rect& area : set.areas) {
-            size += kArea + 1 + Digits(area.bottom) + Digits(area.left) + Digits(area.right) + Digits(area.top);
+            size += kArea.size() + 1 + Digits(area.bottom) + Digits(area.left) + Digits(area.right) + Digits(area.top);
         }
     }
     if (size <= kSettingsMaxFileSize) return;
@@ -88,11 +93,11 @@ void ExpectRoom(const std::vector<AreaSetRecord>& sets) {
 
 void WriteSet(ISettingsNode* root, const PlannedSet& planned) {
     const ISettingsNodePtr node = SubNode(root, Name(planned.key));
-    Check(node->SetString(_bstr_t(host::kKeyName), Name(planned.set.name)));
-    Check(node->SetInt64(_bstr_t(host::kKeyFlags), planned.set.flags));
+    Check(node->SetString(_bstr_t(L"Name"), Name(planned.set.name)));
+    Check(node->SetInt64(_bstr_t(L"Flags"), planned.set.flags));
     const RectWriter writer;
-    writer.Write(node, host::kKeyDisplayRect, planned.set.page);
-    const ISettingsNodePtr areas = SubNode(node, host::kKeyRect);
+    writer.Write(node, L"DisplayRect", planned.set.page);
+    const ISettingsNodePtr areas = SubNode(node, L"Rect");
     for (const std::string& old : SubNodeNames(areas)) Check(areas->DeleteSubNode(Name(old)));
     for (size_t i = 0; i < planned.set.areas.size(); ++i) {
         writer.Write(areas, std::to_wstring(i).c_str(), planned.set.areas[i]);

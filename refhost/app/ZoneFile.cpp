@@ -5,12 +5,11 @@
 #include <limits>
 #include <optional>
 
-#include "host/Lengths.h"
-
 namespace zonhost {
 
 namespace {
 
+constexpr double kTenthsPerInch = 254.0;
 constexpr size_t kMostProblems = 10;
 
 std::string_view NextWord(std::string_view& line) {
@@ -29,7 +28,7 @@ std::string_view NextWord(std::string_view& line) {
 
 // The edge at a pixel position, or nothing when it does not fit.
 std::optional<int32_t> EdgeOf(int64_t pixels, double dotsPerInch) {
-    const double tenths = std::round(static_cast<double>(pixels) * host::kTenthsPerInch / dotsPerInch);
+    const double tenths = std::round(static_cast<double>(pixels) * kTenthsPerInch / dotsPerInch);
     if (tenths > std::numeric_limits<int32_t>::max()) return std::nullopt;
     return static_cast<int32_t>(tenths);
 }

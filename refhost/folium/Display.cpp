@@ -113,7 +113,7 @@ void Display::Paint(Surface& surface, const std::vector<Shape>& shapes, bool foc
 void Display::PaintWhole(Surface& surface, int width, int height) {
     RefreshSource();
     Viewport whole = view;
-    whole.SetZoom(kFoliumZoomWholePage, 0);
+    whole.SetZoom(ZoomMode::WholePage, 0);
     whole.SetWindow(width, height, 0, 0);
     PageTiles tiles;
     if (m_tiles.HasSource()) tiles.SetSource(m_source);

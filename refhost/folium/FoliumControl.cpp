@@ -74,7 +74,7 @@ HRESULT FoliumControl::ShowPage(IPageImage* page, LONGLONG* unused) noexcept {
 HRESULT FoliumControl::SetZoom(const FoliumZoom* zoom) noexcept {
     if (zoom == nullptr) return E_POINTER;
     return Operate([&]() -> HRESULT {
-        if (!m_display.view.SetZoom(static_cast<FoliumZoomMode>(zoom->mode), zoom->percent)) return E_INVALIDARG;
+        if (!m_display.view.SetZoom(static_cast<ZoomMode>(zoom->mode), zoom->percent)) return E_INVALIDARG;
         m_window.ViewChanged();
         return S_OK;
     });

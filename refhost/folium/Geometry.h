@@ -6,8 +6,6 @@
 #include <cstdint>
 #include <limits>
 
-#include "host/Lengths.h"
-
 namespace folium {
 
 struct Point {
@@ -38,7 +36,11 @@ inline int32_t Saturate(int64_t value) {
     return static_cast<int32_t>(std::clamp(value, kLow, kHigh));
 }
 
-using host::Normalized;
+inline Rect Normalized(Rect rect) {
+    if (rect.left > rect.right) std::swap(rect.left, rect.right);
+    if (rect.top > rect.bottom) std::swap(rect.top, rect.bottom);
+    return rect;
+}
 
 inline Rect Shifted(const Rect& rect, int64_t dx, int64_t dy) {
     return {Saturate(rect.left + dx), Saturate(rect.top + dy), Saturate(rect.right + dx), Saturate(rect.bottom + dy)};

@@ -83,10 +83,9 @@ void RectEditor::DragCreate(Point position, bool snap) {
         const int64_t shift = snap ? SnapShift(lines, {at}, m_reach.snap) : 0;
         return static_cast<int32_t>(std::clamp<int64_t>(at + shift, 0, page));
     };
-    Rect rect =
-        Normalized(Rect{place(m_start.x, m_lines.x, m_page.width), place(m_start.y, m_lines.y, m_page.height),
-                        place(position.x, m_lines.x, m_page.width), place(position.y, m_lines.y, m_page.height)});
-    const Rect way = Normalized(Rect{m_start.x, m_start.y, position.x, position.y});
+    Rect rect = Normalized({place(m_start.x, m_lines.x, m_page.width), place(m_start.y, m_lines.y, m_page.height),
+                            place(position.x, m_lines.x, m_page.width), place(position.y, m_lines.y, m_page.height)});
+    const Rect way = Normalized({m_start.x, m_start.y, position.x, position.y});
     m_drafts.clear();
     // Wholly beside the page there is nothing to draw on.
     if (way.right < 0 || way.bottom < 0 || way.left > m_page.width || way.top > m_page.height) return;

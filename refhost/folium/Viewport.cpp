@@ -46,13 +46,13 @@ void Viewport::SetDpi(int dpi) {
     KeepMiddle(x, y);
 }
 
-bool Viewport::SetZoom(FoliumZoomMode mode, int32_t percent) {
-    if (mode < kFoliumZoomPageHeight || mode > kFoliumZoomPercent) return false;
-    if (mode == kFoliumZoomPercent && (percent < kLeastPercent || percent > kMostPercent)) return false;
+bool Viewport::SetZoom(ZoomMode mode, int32_t percent) {
+    if (mode < ZoomMode::PageHeight || mode > ZoomMode::Percent) return false;
+    if (mode == ZoomMode::Percent && (percent < kLeastPercent || percent > kMostPercent)) return false;
     const double x = MiddleOf(m_x);
     const double y = MiddleOf(m_y);
     m_mode = mode;
-    if (mode == kFoliumZoomPercent) m_percent = percent;
+    if (mode == ZoomMode::Percent) m_percent = percent;
     Layout();
     KeepMiddle(x, y);
     return true;
@@ -62,7 +62,7 @@ void Viewport::ZoomAround(double factor, int x, int y) {
     const double pageX = (double(x) - OriginX()) / m_scale;
     const double pageY = (double(y) - OriginY()) / m_scale;
     m_percent = std::clamp(Percent() * factor, double{kLeastPercent}, double{kMostPercent});
-    m_mode = kFoliumZoomPercent;
+    m_mode = ZoomMode::Percent;
     Layout();
     ScrollTo(int64_t{Margin()} + Rounded(pageX * m_scale) - x, int64_t{Margin()} + Rounded(pageY * m_scale) - y);
 }
@@ -82,14 +82,14 @@ double Viewport::FitScale(int width, int height) const {
     const double across = std::max(width - 2 * Margin(), 1) / static_cast<double>(m_page.width);
     const double down = std::max(height - 2 * Margin(), 1) / static_cast<double>(m_page.height);
     switch (m_mode) {
-        case kFoliumZoomPageHeight:
+        case ZoomMode::PageHeight:
             return down;
-        case kFoliumZoomPageWidth:
+        case ZoomMode::PageWidth:
             return across;
-        case kFoliumZoomWholePage:
+        case ZoomMode::WholePage:
             return std::min(across, down);
         default:
-            return m_percent * m_dpi / kUnitsForPercent;
+            return m_percent * m_dpi / 25400.0;
     }
 }
 
@@ -117,7 +117,7 @@ void Viewport::LayoutAxis(Axis& axis, int32_t length) {
     const bool fits = axis.page + 2 * Margin() <= axis.view;
     const bool vertical = &axis == &m_y;
     const bool fitted =
-        m_mode == kFoliumZoomWholePage || m_mode == (vertical ? kFoliumZoomPageHeight : kFoliumZoomPageWidth);
+        m_mode == ZoomMode::WholePage || m_mode == (vertical ? ZoomMode::PageHeight : ZoomMode::PageWidth);
     if (!fits && !fitted) axis.needed = true;
 }
 

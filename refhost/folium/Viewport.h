@@ -3,16 +3,16 @@
 
 #include <cstdint>
 
-#include "host/FoliumZoom.h"
 #include "refhost/folium/Geometry.h"
 
 namespace folium {
+
+enum class ZoomMode : int32_t { PageHeight = 0, PageWidth = 1, WholePage = 2, Percent = 3 };
 
 class Viewport {
 public:
     static constexpr int32_t kLeastPercent = 1;
     static constexpr int32_t kMostPercent = 6400;
-    static constexpr double kUnitsForPercent = 100.0 * host::kTenthsPerInch;
 
     // All setters keep the place of the page that is in the middle of the window, as far as there is something to
     // scroll. The window's size is without scroll bars, theirs what they take away where they are needed.
@@ -20,13 +20,13 @@ public:
     void SetWindow(int width, int height, int verticalBar, int horizontalBar);
     void SetDpi(int dpi);
     // False for a mode or a percentage that there is not; 100 % is the page at its own size on this device.
-    bool SetZoom(FoliumZoomMode mode, int32_t percent);
+    bool SetZoom(ZoomMode mode, int32_t percent);
     // Multiplies the zoom; the place of the page under the position stays there.
     void ZoomAround(double factor, int x, int y);
 
     bool HasPage() const { return m_page.width > 0 && m_page.height > 0; }
     Size Page() const { return m_page; }
-    double Percent() const { return m_scale * kUnitsForPercent / m_dpi; }
+    double Percent() const { return m_scale * 25400.0 / m_dpi; }
     int Dpi() const { return m_dpi; }
     // A length given for 96 dots per inch.
     int Scaled(int pixels) const { return (pixels * m_dpi + 48) / 96; }
@@ -84,10 +84,10 @@ private:
     double MiddleOf(const Axis& axis) const;
 
     Size m_page;
-    FoliumZoomMode m_mode = kFoliumZoomWholePage;
+    ZoomMode m_mode = ZoomMode::WholePage;
     double m_percent = 100;
     int m_dpi = 96;
-    double m_scale = 96.0 / host::kTenthsPerInch;  // pixels per unit
+    double m_scale = 96 / 254.0;  // pixels per unit
     Axis m_x, m_y;
 };
 

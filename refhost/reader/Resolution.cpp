@@ -4,23 +4,21 @@
 #include <cmath>
 #include <limits>
 
-#include "host/Lengths.h"
-
 namespace reader {
 
 namespace {
 
-constexpr double kMetresPerInch = host::kTenthsPerInch / 10000.0;
+constexpr double kMetresPerInch = 0.0254;
 constexpr double kSnap = 0.026;  // one dot per metre
-constexpr int64_t kTenthsPerInch = host::kTenthsPerInch;
+constexpr int64_t kTenthsPerInch = 254;
 constexpr int64_t kUnitsPerDot = 1'000'000;  // resolutions as integers: at most 10^10 units
 
 int64_t DpiUnits(double dpi) {
     return std::llround(dpi * static_cast<double>(kUnitsPerDot));
 }
 
-// position * dpi / kTenthsPerInch rounded down or up. Positions of 32 bits reach 2 * 10^19 with units of 10^-6, which
-// is too wide: the whole inches and the rest of the position are taken apart.
+// position * dpi / 254 rounded down or up. Positions of 32 bits reach 2 * 10^19 with units of 10^-6, which is too wide:
+// the whole inches and the rest of the position are taken apart.
 int64_t PixelAt(int64_t position, int64_t units, bool up) {
     int64_t inches = position / kTenthsPerInch;
     int64_t rest = position % kTenthsPerInch;

@@ -62,8 +62,6 @@ constexpr HRESULT kSettingsDamaged = static_cast<HRESULT>(0x80070570);    // ERR
 constexpr HRESULT kSettingsChanged = static_cast<HRESULT>(0x8007051A);    // ERROR_REVISION_MISMATCH
 constexpr HRESULT kSettingsBusy = static_cast<HRESULT>(0x80070021);       // ERROR_LOCK_VIOLATION
 
-constexpr char kSettingsTraceSource[] = "HostSettings";
-
 constexpr int kSettingsMaxDepth = 100;
 constexpr unsigned kSettingsMaxFileSize = 64U << 20;
 

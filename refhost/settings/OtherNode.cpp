@@ -6,8 +6,6 @@
 #include <memory>
 #include <vector>
 
-#include "host/SafeArray.h"
-#include "host/StoredSettings.h"
 #include "refhost/settings/Status.h"
 #include "refhost/settings/StoreError.h"
 #include "refhost/settings/Unicode.h"
@@ -22,10 +20,24 @@ using ListReference = _com_ptr_t<_com_IIID<IHostSettingsList, &__uuidof(IHostSet
 
 constexpr size_t kMostSubNodes = 1000000;
 
+// What modules of this host keep in their nodes, for nodes that cannot list their values.
+constexpr const char16_t* kKnownValues[] = {
+    u"Name",         u"Flags",           u"Position:left",
+    u"Position:top", u"Position:right",  u"Position:bottom",
+    u"PageFormat",   u"RadioPageOrient", u"RadioPageType",
+    u"CustomWidth",  u"CustomHeight",    u"RealWidth",
+    u"RealHeight",   u"RadioPageSource", u"LastGrey",
+    u"LastScale",    u"ColumnsWidth",    u"ColumnsWidthWithIndexing",
+};
+
 struct FreeString {
     void operator()(wchar_t* text) const noexcept { SysFreeString(text); }
 };
 using String = std::unique_ptr<wchar_t, FreeString>;
+
+struct FreeArray {
+    void operator()(SAFEARRAY* array) const noexcept { SafeArrayDestroy(array); }
+};
 
 void Check(HRESULT status) {
     if (FAILED(status)) throw _com_error(status);
@@ -35,10 +47,14 @@ template <class Interface>
 std::vector<std::u16string> Names(Interface* from, HRESULT (STDMETHODCALLTYPE Interface::*list)(SAFEARRAY**)) {
     SAFEARRAY* made = nullptr;
     Check((from->*list)(&made));
-    host::ArrayOwner array(made);
-    Check(array.Lock(VT_BSTR));
+    const std::unique_ptr<SAFEARRAY, FreeArray> array(made);
+    VARTYPE type = VT_EMPTY;
+    if (array == nullptr || SafeArrayGetDim(made) != 1 || FAILED(SafeArrayGetVartype(made, &type)) || type != VT_BSTR) {
+        throw _com_error(E_INVALIDARG);
+    }
+    const auto* elements = static_cast<const BSTR*>(made->pvData);
     std::vector<std::u16string> names;
-    for (int64_t i = 0; i < array.Count(); ++i) names.push_back(UnitsFrom(array.Data<const BSTR>()[i]));
+    for (ULONG i = 0; i < made->rgsabound[0].cElements; ++i) names.push_back(UnitsFrom(elements[i]));
     return names;
 }
 
@@ -60,10 +76,7 @@ public:
                 ReadValue(from, name, to);
             }
         } else {
-            // What modules of this host keep in their nodes.
-            for (const std::wstring_view name : host::kStoredValues) {
-                ReadValue(from, std::u16string(name.begin(), name.end()), to);
-            }
+            for (const char16_t* name : kKnownValues) ReadValue(from, name, to);
         }
         for (const auto& name : Names(from, &ISettingsNode::GetSubNodeNames)) {
             if (++m_subNodes > kMostSubNodes) {

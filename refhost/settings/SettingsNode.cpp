@@ -2,7 +2,6 @@
 
 #include <limits>
 
-#include "host/SafeArray.h"
 #include "refhost/settings/Status.h"
 #include "refhost/settings/WideText.h"
 
@@ -14,13 +13,17 @@ void CheckOut(const void* out) {
     if (out == nullptr) throw StatusError(E_POINTER, L"A setting was asked for without a place to put it.");
 }
 
+struct DestroyArray {
+    void operator()(SAFEARRAY* array) const noexcept { SafeArrayDestroy(array); }
+};
+
 SAFEARRAY* NewArray(const std::vector<std::u16string_view>& names) {
     if (names.size() > static_cast<size_t>(std::numeric_limits<LONG>::max())) throw std::bad_alloc();
-    SAFEARRAY* const made = SafeArrayCreateVector(VT_BSTR, 0, static_cast<ULONG>(names.size()));
-    if (made == nullptr) throw std::bad_alloc();
-    host::ArrayOwner array(made);
-    for (size_t i = 0; i < names.size(); ++i) array.Data<BSTR>()[i] = NewBstr(names[i]);
-    return array.Release();
+    std::unique_ptr<SAFEARRAY, DestroyArray> array(SafeArrayCreateVector(VT_BSTR, 0, static_cast<ULONG>(names.size())));
+    if (array == nullptr) throw std::bad_alloc();
+    auto* elements = static_cast<BSTR*>(array->pvData);
+    for (size_t i = 0; i < names.size(); ++i) elements[i] = NewBstr(names[i]);
+    return array.release();
 }
 
 template <class Wanted>

@@ -59,7 +59,7 @@ std::wstring SystemText(DWORD error) {
 void Trace(int severity, const wchar_t* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    CLogBase::TraceImpl(severity, nullptr, kSettingsTraceSource, 0, format, arguments);
+    CLogBase::TraceImpl(severity, nullptr, "HostSettings", 0, format, arguments);
     va_end(arguments);
 }
 

@@ -4,15 +4,15 @@
 #include <cstdlib>
 #include <limits>
 
-#include "host/Lengths.h"
-
 namespace units {
 namespace {
 
+constexpr int32_t kPerMillimetre = 10;
+constexpr int32_t kPerInch = 254;
 constexpr int kInchDecimals = 1000;
 
 int32_t PerUnit(MeasureSystem system) {
-    return system == MeasureSystem::kMetric ? host::kTenthsPerMillimetre : host::kTenthsPerInch;
+    return system == MeasureSystem::kMetric ? kPerMillimetre : kPerInch;
 }
 
 std::wstring Digits(int64_t value, int64_t scale) {
@@ -41,9 +41,9 @@ int32_t FromUser(double value, MeasureSystem system) {
 }
 
 std::wstring Format(int32_t length, MeasureSystem system) {
-    if (system == MeasureSystem::kMetric) return Digits(length, host::kTenthsPerMillimetre);
-    const int64_t half = length < 0 ? -(host::kTenthsPerInch / 2) : host::kTenthsPerInch / 2;
-    return Digits((int64_t{length} * kInchDecimals + half) / host::kTenthsPerInch, kInchDecimals);
+    if (system == MeasureSystem::kMetric) return Digits(length, kPerMillimetre);
+    const int64_t half = length < 0 ? -(kPerInch / 2) : kPerInch / 2;
+    return Digits((int64_t{length} * kInchDecimals + half) / kPerInch, kInchDecimals);
 }
 
 const wchar_t* UnitName(MeasureSystem system) {

@@ -5,6 +5,19 @@
 #include "host/PageDisplay.h"
 #include "win32/HostUnits.h"
 
+// Sets a flag for its own life and puts another value there afterwards, also when something is thrown.
+class ScopedFlag {
+public:
+    ScopedFlag(bool& flag, bool during, bool after) : m_flag(flag), m_after(after) { m_flag = during; }
+    ~ScopedFlag() { m_flag = m_after; }
+    ScopedFlag(const ScopedFlag&) = delete;
+    ScopedFlag& operator=(const ScopedFlag&) = delete;
+
+private:
+    bool& m_flag;
+    bool m_after;
+};
+
 // The host's units for the rules of the list.
 class ListUnits final : public rectlist::Units {
 public:

@@ -4,8 +4,6 @@
 #include <limits>
 #include <utility>
 
-#include "host/Lengths.h"
-#include "host/WhiteSpace.h"
 #include "win32/NumberText.h"
 
 namespace rectlist {
@@ -13,6 +11,9 @@ namespace {
 
 // Far beyond any page, and far enough from the ends of 32 bits that an offset and a size can be added.
 constexpr int32_t kLargestLength = 0x10000000;
+
+// White space as spreadsheets and web pages put it around a number.
+constexpr std::wstring_view kBlanks = L" \t\r\n\v\f\u0085\u00a0\u2028\u2029";
 
 int32_t Saturate(int64_t value) {
     using Limits = std::numeric_limits<int32_t>;
@@ -26,7 +27,7 @@ double Single(double value) {
 using Lengths = std::array<int32_t, kLengthColumns>;
 
 Lengths GetLengths(const PageRect& rect) {
-    const PageRect normal = host::Normalized(rect);
+    const PageRect normal = Normalise(rect);
     return {normal.left, normal.top, Saturate(int64_t{normal.right} - normal.left),
             Saturate(int64_t{normal.bottom} - normal.top)};
 }
@@ -73,9 +74,14 @@ private:
 }  // namespace
 
 std::optional<double> ReadCell(std::wstring_view text) {
-    if (text.empty()) return 0.0;
-    if (host::IsSpace(text.back())) return std::nullopt;
-    return win32::ParseNumber(text.substr(text.find_first_not_of(host::kWhiteSpace)));
+    const size_t first = text.find_first_not_of(kBlanks);
+    if (first == std::wstring_view::npos) return 0.0;
+    return win32::ParseNumber(text.substr(first, text.find_last_not_of(kBlanks) - first + 1));
+}
+
+PageRect Normalise(const PageRect& rect) {
+    return {std::min(rect.left, rect.right), std::min(rect.top, rect.bottom), std::max(rect.left, rect.right),
+            std::max(rect.top, rect.bottom)};
 }
 
 RowTexts GetRowTexts(const PageRect& rect, const Units& units) {

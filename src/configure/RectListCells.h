@@ -27,10 +27,12 @@ public:
     virtual std::wstring Format(int32_t length) const = 0;
 };
 
-// The number in a cell, with a decimal point whatever the locale and white space before it at most. An empty cell is 0.
-// Nothing for everything else: blanks behind the number or alone, a unit, a comma, inf, nan, hexadecimal. A number too
-// large for a double is infinite.
+// The number in a cell, with a decimal point whatever the locale. An empty cell is 0, and blanks or line ends around
+// the number (as they come from a spreadsheet) do not matter. Nothing for everything else: a unit, a comma, inf, nan,
+// hexadecimal. A number too large for a double is infinite.
 std::optional<double> ReadCell(std::wstring_view text);
+
+PageRect Normalise(const PageRect& rect);
 
 // The row of a rectangle, normalised.
 RowTexts GetRowTexts(const PageRect& rect, const Units& units);

@@ -11,7 +11,7 @@ int32_t ThreeQuarters(int32_t length) {
 
 constexpr int32_t kSmallestPage = 80;  // pixels of height
 
-constexpr std::array kFittingModes = {kFoliumZoomWholePage, kFoliumZoomPageHeight, kFoliumZoomPageWidth};
+constexpr std::array<ZoomMode, 3> kFittingModes = {ZoomMode::kWholePage, ZoomMode::kPageHeight, ZoomMode::kPageWidth};
 
 }  // namespace
 
@@ -47,17 +47,17 @@ std::wstring RemovedFields::TakeBack(uint32_t rectId, const std::vector<std::wst
     return node.mapped();
 }
 
-std::optional<FoliumZoom> GetZoom(int64_t command) {
-    if (command < ID_SCALE_FIRST) return std::nullopt;
-    auto index = static_cast<uint64_t>(command) - ID_SCALE_FIRST;
-    if (index < kScalePercents.size()) return FoliumZoom{kFoliumZoomPercent, kScalePercents[index]};
+std::optional<Zoom> GetZoom(int64_t command) {
+    if (command < kFirstScaleCommand) return std::nullopt;
+    auto index = static_cast<uint64_t>(command) - kFirstScaleCommand;
+    if (index < kScalePercents.size()) return Zoom{ZoomMode::kPercent, kScalePercents[index]};
     index -= kScalePercents.size();
-    if (index < kFittingModes.size()) return FoliumZoom{kFittingModes[index], 0};
+    if (index < kFittingModes.size()) return Zoom{kFittingModes[index], 0};
     return std::nullopt;
 }
 
 uint32_t GetStartScaleCommand(int64_t stored) {
-    return GetZoom(stored) ? static_cast<uint32_t>(stored) : ID_SCALE_WHOLE_PAGE;
+    return GetZoom(stored) ? static_cast<uint32_t>(stored) : kWholePageCommand;
 }
 
 }  // namespace rectlist

@@ -8,10 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "host/FoliumZoom.h"
 #include "model/PageRect.h"
-#include "module/NavigationFlags.h"
-#include "resource.h"
 
 namespace rectlist {
 
@@ -50,16 +47,25 @@ struct NavigationButton {
 };
 // In the order in which the buttons are set.
 inline constexpr std::array<NavigationButton, 4> kNavigationButtons = {{
-    {NAV_NO_PREV_PAGE, IDC_CONFIG_PREV_PAGE},
-    {NAV_NO_NEXT_PAGE, IDC_CONFIG_NEXT_PAGE},
-    {NAV_NO_PREV_DOC, IDC_CONFIG_PREV_DOC},
-    {NAV_NO_NEXT_DOC, IDC_CONFIG_NEXT_DOC},
+    {1, 27775},  // previous page
+    {2, 27777},  // next page
+    {4, 27772},  // previous document
+    {8, 27774},  // next document
 }};
 
+enum class ZoomMode : int32_t { kPageHeight, kPageWidth, kWholePage, kPercent };
+struct Zoom {
+    ZoomMode mode;
+    int32_t percent;  // 0 unless the mode is kPercent
+    bool operator==(const Zoom&) const = default;
+};
+
+inline constexpr uint32_t kFirstScaleCommand = 27786;
+inline constexpr uint32_t kWholePageCommand = 27793;
 inline constexpr std::array<int32_t, 7> kScalePercents = {20, 40, 60, 80, 100, 150, 200};
 
-// What a command of the "Scale" menu sets; nothing for other commands. The percentage is 0 unless the mode needs one.
-std::optional<FoliumZoom> GetZoom(int64_t command);
+// What a command of the "Scale" menu sets; nothing for other commands.
+std::optional<Zoom> GetZoom(int64_t command);
 // The command to start with: the stored one, or "Whole Page" when that is none of the menu.
 uint32_t GetStartScaleCommand(int64_t stored);
 

@@ -12,7 +12,7 @@ namespace {
 
 using win32::CallHost;
 
-constexpr const char* kSource = host::kSourceSASetConfigDlg;
+constexpr const char* kSource = "SASetConfigDlg";
 constexpr DWORD kListStyle = LVS_EX_FULLROWSELECT | listtable::kExEditCells | listtable::kExMoveRows;
 constexpr int kColumnWidth = 90;
 constexpr LONG kBlankResolution = 200;
@@ -46,7 +46,7 @@ std::span<const win32::MessageEntry> CSASetConfigDlg::GetMessageMap() const {
         win32::OnNotify<&CSASetConfigDlg::OnItemsMoved>(IDC_CONFIG_LIST, listtable::kItemsMoved),
         win32::OnClick<&CSASetConfigDlg::OnAdd>(IDC_CONFIG_ADD),
         win32::OnClick<&CSASetConfigDlg::OnRemove>(IDC_CONFIG_REMOVE),
-        win32::OnClick<&CSASetConfigDlg::OnHelp>(IDHELP),
+        win32::OnClick<&CSASetConfigDlg::OnHelpButton>(IDHELP),
         win32::OnMessage<&CSASetConfigDlg::OnHelpInfo>(WM_HELP),
         win32::OnMessage<&CSASetConfigDlg::OnDestroy>(WM_DESTROY),
         win32::OnClick<&CSASetConfigDlg::OnPrevDoc>(IDC_CONFIG_PREV_DOC),
@@ -192,7 +192,7 @@ void CSASetConfigDlg::SetDisplayOptions() {
 
 bool CSASetConfigDlg::ShowScannedPage() {
     ComSettingsNode node(GetApp().GetSettingsNode());
-    if (!pagesettings::ReadScanned(node)) return false;
+    if (!win32::ReadOr(kDefaultPageScanned, [&] { return node.GetBool(kKeyPageScanned); })) return false;
     uint32_t flags = kNoWayOn;
     IPageImagePtr page;
     if (!GetPage(flags, page)) return false;
@@ -203,7 +203,11 @@ bool CSASetConfigDlg::ShowScannedPage() {
 
 void CSASetConfigDlg::ShowBlankPage() {
     ComSettingsNode node(GetApp().GetSettingsNode());
-    const SIZE size = pagesettings::ReadSize(node);
+    const auto read = [&](const wchar_t* key, int32_t fallback) {
+        return win32::ReadOr(fallback, [&] { return node.GetInt64(key); });
+    };
+    const int32_t width = read(kKeyRealWidth, kDefaultRealWidth);
+    const int32_t height = read(kKeyRealHeight, kDefaultRealHeight);
     // Without any page the dialog can be looked at and left, and OK changes nothing.
     IPageImagePtr page;
     try {
@@ -211,7 +215,7 @@ void CSASetConfigDlg::ShowBlankPage() {
         win32::CheckHost(CoCreateInstance(host::kClsidPageImage, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IImageLoader),
                                           reinterpret_cast<void**>(&loader)),
                          __uuidof(IImageLoader));
-        CallHost(loader.GetInterfacePtr(), &IImageLoader::CreateBlank, size.cx, size.cy, kBlankResolution,
+        CallHost(loader.GetInterfacePtr(), &IImageLoader::CreateBlank, LONG{width}, LONG{height}, kBlankResolution,
                  kBlankResolution, LONG{0});
         win32::CheckHost(loader->QueryInterface(host::kIidBlankPageImage, reinterpret_cast<void**>(&page)),
                          host::kIidBlankPageImage);
@@ -244,6 +248,11 @@ void CSASetConfigDlg::ShowUnits() {
     for (const UINT id : {IDC_CONFIG_LIST_LABEL, IDC_CONFIG_SIZE_LABEL, IDC_CONFIG_POSITION_LABEL}) {
         SetDlgItemText(id, GetTextOfWindow(GetDlgItem(id)) + L" [" + unit + L"]:");
     }
+}
+
+LRESULT CSASetConfigDlg::OnHelpInfo(WPARAM, LPARAM) {
+    OnHelp();
+    return TRUE;
 }
 
 // Everything is read before anything is changed: a rectangle that cannot be had leaves the set as it was. So does one

@@ -25,7 +25,7 @@ public:
 
 protected:
     const wchar_t* GetName() const override { return L"CSASetConfigDlg"; }
-    const char* GetTraceSource() const override { return host::kSourceSASetConfigDlg; }
+    const char* GetTraceSource() const override { return "SASetConfigDlg"; }
     std::span<const win32::MessageEntry> GetMessageMap() const override;
     std::span<const win32::EventEntry> GetEventMap() const override;
     std::span<const win32::HostedControl> GetHostedControls() const override;
@@ -45,6 +45,8 @@ private:
     void ShowBlankPage();
     void LoadRects();
     void ShowUnits();
+    void OnHelpButton() { OnHelp(); }
+    LRESULT OnHelpInfo(WPARAM wParam, LPARAM lParam);
 
     // The list and the rectangles (SASetConfigRects.cpp)
     int FindRow(LONG id) const;
@@ -97,7 +99,7 @@ private:
     IPageImagePtr m_pPage;
     AreaColors m_colors;
     bool m_bSmooth = true;
-    UINT m_nScaleCmd = ID_SCALE_WHOLE_PAGE;
+    UINT m_nScaleCmd = rectlist::kWholePageCommand;
     std::wstring m_strColumnWidths;
     std::vector<std::wstring> m_indexFields;
     std::map<std::wstring, PageRect> m_fieldRects;

@@ -4,13 +4,11 @@
 #include "host/Controls.h"
 #include "resource.h"
 #include "win32/Resources.h"
-#include "win32/ScopedFlag.h"
 
 namespace {
 
 using rectlist::Column;
 using win32::CallHost;
-using win32::ScopedFlag;
 
 constexpr UINT kSelected = LVIS_SELECTED | LVIS_FOCUSED;
 constexpr const wchar_t* kUnknown = L"?";  // no number: editing another cell of the row keeps this length as it is
@@ -60,7 +58,7 @@ void CSASetConfigDlg::OnRectAdded(LONG id) {
     if (m_bProcessCtrlEvents) {
         FoliumRect rect = {};
         if (FAILED(m_pFolium->QueryRect(id, &rect))) return;
-        const ScopedFlag updating(m_bUpdatingList);
+        const ScopedFlag updating(m_bUpdatingList, true, false);
         int row = 0;
         try {
             row = m_list.InsertItem(m_list.GetItemCount(), {});
@@ -115,7 +113,7 @@ void CSASetConfigDlg::OnRectSelected(LONG id) {
     if (!m_bProcessCtrlEvents) return;
     const int row = FindRow(id);
     if (row < 0) return;
-    const ScopedFlag updating(m_bUpdatingList);
+    const ScopedFlag updating(m_bUpdatingList, true, false);
     m_list.EnsureVisible(row);
     m_list.SetItemState(row, kSelected, kSelected);
 }
@@ -126,12 +124,12 @@ void CSASetConfigDlg::OnAdd() {
     const FoliumRect bounds = ToFolium(rect);
     LONG id = 0;
     {
-        const ScopedFlag own(m_bProcessCtrlEvents, false);
+        const ScopedFlag own(m_bProcessCtrlEvents, false, true);
         CallHost(m_pFolium.GetInterfacePtr(), &IFolium::InsertRect, &bounds, &id);
         m_pFolium->UpdateRect(id, &bounds);
     }
     {
-        const ScopedFlag updating(m_bUpdatingList);
+        const ScopedFlag updating(m_bUpdatingList, true, false);
         std::wstring text;
         LVITEMW item = {};
         item.mask = LVIF_TEXT | LVIF_PARAM | LVIF_STATE;
@@ -163,8 +161,8 @@ void CSASetConfigDlg::OnRemove() {
 LRESULT CSASetConfigDlg::OnListItemChanged(NMHDR* header) {
     const auto& change = *reinterpret_cast<const NMLISTVIEW*>(header);
     if (m_bUpdatingList || (change.uChanged & LVIF_STATE) == 0 || (change.uNewState & LVIS_SELECTED) == 0) return 0;
-    const ScopedFlag updating(m_bUpdatingList);
-    const ScopedFlag own(m_bProcessCtrlEvents, false);
+    const ScopedFlag updating(m_bUpdatingList, true, false);
+    const ScopedFlag own(m_bProcessCtrlEvents, false, true);
     m_pFolium->SelectRect(static_cast<LONG>(m_list.GetItemData(change.iItem)));
     return 0;
 }

@@ -2,7 +2,6 @@
 // view.
 #include "configure/ConfigSupport.h"
 #include "configure/SASetConfigDlg.h"
-#include "host/StoredSettings.h"
 #include "resource.h"
 #include "trace/Trace.h"
 #include "win32/Failure.h"
@@ -12,7 +11,9 @@ namespace {
 
 using win32::CallHost;
 
-constexpr const char* kSource = host::kSourceSASetConfigDlg;
+constexpr const char* kSource = "SASetConfigDlg";
+constexpr const wchar_t* kKeySmooth = L"LastGrey";
+constexpr const wchar_t* kKeyScale = L"LastScale";
 constexpr DWORD kRelativeWidths = 1;
 
 // Column widths, by mode.
@@ -21,15 +22,8 @@ struct WidthsSetting {
     const wchar_t* fallback;
 };
 WidthsSetting GetWidthsSetting(bool indexing) {
-    if (indexing) return {host::kKeyWidthsIndexing, L"[%]200,200,200,200,200"};
-    return {host::kKeyWidths, L"[%]250,250,250,250"};
-}
-
-// "52.5, 74.2", with the host asked in this order.
-std::wstring FormatPair(LONG first, LONG second) {
-    const win32::HostUnits units;
-    std::wstring text = units.FormatValue(first);
-    return text += L", " + units.FormatValue(second);
+    if (indexing) return {L"ColumnsWidthWithIndexing", L"[%]200,200,200,200,200"};
+    return {L"ColumnsWidth", L"[%]250,250,250,250"};
 }
 
 class Menu {
@@ -94,7 +88,8 @@ void CSASetConfigDlg::SetPage(const IPageImagePtr& page) {
     m_pFolium->ShowPage(page, &unused);
     m_pPage = page;
     const SIZE size = GetPageSize();
-    SetDlgItemText(IDC_CONFIG_SIZE, FormatPair(size.cx, size.cy));
+    const win32::HostUnits units;
+    SetDlgItemText(IDC_CONFIG_SIZE, units.FormatValue(size.cx) + L", " + units.FormatValue(size.cy));
     SetDlgItemText(IDC_CONFIG_POSITION, L"0, 0");
     m_foliumCtrl.RedrawNow();
 }
@@ -139,7 +134,8 @@ void CSASetConfigDlg::OnPrevPage() {
 void CSASetConfigDlg::OnPointerMoved(LONG x, LONG y) {
     POINT offset = {};
     m_pFolium->GetPositionOffset(&offset);
-    SetDlgItemText(IDC_CONFIG_POSITION, FormatPair(x + offset.x, y + offset.y));
+    const win32::HostUnits units;
+    SetDlgItemText(IDC_CONFIG_POSITION, units.FormatValue(x + offset.x) + L", " + units.FormatValue(y + offset.y));
 }
 
 void CSASetConfigDlg::OnContextMenuRequested(LONG, LONG x, LONG y) {
@@ -153,10 +149,11 @@ void CSASetConfigDlg::OnContextMenuRequested(LONG, LONG x, LONG y) {
 }
 
 void CSASetConfigDlg::OnScale(UINT command) {
-    const auto zoom = rectlist::GetZoom(command);
-    if (!zoom || !m_pFolium) return;
+    const auto setting = rectlist::GetZoom(command);
+    if (!setting || !m_pFolium) return;
     m_nScaleCmd = command;
-    m_pFolium->SetZoom(&*zoom);
+    const FoliumZoom zoom = {static_cast<int32_t>(setting->mode), setting->percent};
+    m_pFolium->SetZoom(&zoom);
     m_foliumCtrl.RedrawNow();
 }
 
@@ -174,10 +171,10 @@ bool CSASetConfigDlg::LoadViewSettings() {
     ComSettingsNode node(GetApp().GetSettingsNode());
     CentreWindow(GetSafeHwnd());
 
-    m_bSmooth = !win32::ReadOr(true, [&] { return node.GetBool(host::kKeySmooth); });
+    m_bSmooth = !win32::ReadOr(true, [&] { return node.GetBool(kKeySmooth); });
     SendMessage(WM_COMMAND, ID_SMOOTH_IMAGES);
 
-    const auto scale = win32::ReadOr(int64_t{ID_SCALE_WHOLE_PAGE}, [&] { return node.GetInt64(host::kKeyScale); });
+    const auto scale = win32::ReadOr(int64_t{rectlist::kWholePageCommand}, [&] { return node.GetInt64(kKeyScale); });
     SendMessage(WM_COMMAND, rectlist::GetStartScaleCommand(scale));
 
     const WidthsSetting widths = GetWidthsSetting(IsIndexing());
@@ -193,8 +190,8 @@ void CSASetConfigDlg::ApplyColumnWidths() {
 
 void CSASetConfigDlg::SaveViewSettings() {
     ComSettingsNode node(GetApp().GetSettingsNode());
-    node.SetBool(host::kKeySmooth, m_bSmooth);
-    node.SetInt64(host::kKeyScale, m_nScaleCmd);
+    node.SetBool(kKeySmooth, m_bSmooth);
+    node.SetInt64(kKeyScale, m_nScaleCmd);
     node.SetString(GetWidthsSetting(IsIndexing()).key, m_list.GetColumnWidths(kRelativeWidths));
 }
 

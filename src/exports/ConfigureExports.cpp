@@ -19,6 +19,7 @@ using win32::CallHost;
 
 constexpr const wchar_t* kHint = L"Hint: check if Folium.dll is registered properly.";
 constexpr const wchar_t* kDoModalFailed = L"SAConfigureSet: dlg.DoModal failed.";
+constexpr INT_PTR kNotCreated = -1;
 
 _COM_SMARTPTR_TYPEDEF(IConfigScope, __uuidof(IConfigScope));
 
@@ -34,7 +35,7 @@ bool RunDialog(CSASetConfigDlg& dialog, HWND hParent, INT_PTR& result) {
         exports::ReportDialogFailure(hParent, __LINE__, trace::kError, kHint);
         return false;
     }
-    if (result != CDialog::kNotCreated && result != IDABORT) return true;
+    if (result != kNotCreated && result != IDABORT) return true;
     exports::ReportDialogFailure(hParent, __LINE__, trace::kDiagnostic, kDoModalFailed);
     return false;
 }
@@ -91,7 +92,9 @@ BOOL ConfigureSet(HWND hParent, DWORD dwID) {
 // The host's Begin, and its End whatever happens in between. A failing End is traced: the work is done by then.
 class HostScope {
 public:
-    explicit HostScope(IConfigHost* host) : m_scope(win32::QueryHost<IConfigScopePtr>(host)) {
+    explicit HostScope(IConfigHost* host) {
+        const HRESULT status = host->QueryInterface(__uuidof(IConfigScope), reinterpret_cast<void**>(&m_scope));
+        if (FAILED(status) && status != E_NOINTERFACE) win32::ThrowHostError(status, __uuidof(IConfigScope));
         CallHost(m_scope.GetInterfacePtr(), &IConfigScope::Begin);
     }
     ~HostScope() {

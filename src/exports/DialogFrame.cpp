@@ -1,22 +1,28 @@
 #include "exports/DialogFrame.h"
 
-#include "module/Report.h"
+#include "host/Support.h"
 #include "module/ZonwickApp.h"
 #include "resource.h"
 #include "trace/Trace.h"
+#include "win32/Resources.h"
 
 namespace exports {
+
+void ShowFailure(HWND parent) noexcept {
+    QWMessageBoxExW(parent, nullptr, nullptr, MB_ICONERROR, 0, 0, 0, win32::ModuleInstance());
+}
 
 BOOL ReportDialogFailure(HWND parent, int line, int severity, const wchar_t* text) noexcept {
     trace::TraceStringId(trace::kError, kSource, line, IDS_ERR_OPEN_DIALOG);
     trace::TraceText(severity, kSource, line, text);
-    module::ShowFailure(parent);
+    ShowFailure(parent);
     return FALSE;
 }
 
 bool LoadSetsOrReport(HWND parent, int line) {
-    if (module::LoadSets(*GetAreaSetManager(), kSource, line)) return true;
-    module::ShowFailure(parent);
+    if (GetAreaSetManager()->LoadSettings()) return true;
+    trace::TraceStringId(trace::kError, kSource, line, IDS_ERR_READ_SETTINGS);
+    ShowFailure(parent);
     return false;
 }
 

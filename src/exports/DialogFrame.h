@@ -5,12 +5,12 @@
 
 #include <cstdint>
 
-#include "host/Severity.h"
-
 namespace exports {
 
-inline constexpr const char* kSource = host::kSourceZonwick;
+inline constexpr const char* kSource = "Zonwick";
 
+// The host support library's box, which tells the failure just traced at severity 2.
+void ShowFailure(HWND parent) noexcept;
 // Traces string 34108 at severity 2 and a text at the given severity, shows the box; the failure value of the exports.
 BOOL ReportDialogFailure(HWND parent, int line, int severity, const wchar_t* text) noexcept;
 // Loads the sets; a failure is traced as 34106 and shown.

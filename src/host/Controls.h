@@ -4,8 +4,7 @@
 #include <windows.h>
 
 extern "C" {
-// Ordinal 103: the application's name, the caption of the box that the module shows itself when a number is refused.
-// Owned by the library, never null.
+// Ordinal 103: the application's name, for the caption of message boxes. Owned by the library, never null.
 const wchar_t* HostApplicationName(void);
 // Ordinal 104: a message box with the application's name as caption; `style` as for MessageBoxW.
 int HostMessageBox(HWND owner, const wchar_t* text, UINT style);

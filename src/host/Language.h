@@ -6,7 +6,6 @@
 class CLang {
 public:
     // The handle from which the dialogs, menus and strings of `instance` are loaded: a localised resource module with
-    // the same identifiers, or `instance` itself. Stays valid as long as `instance`. Asked for the logger and again for
-    // the module.
+    // the same identifiers, or `instance` itself. Stays valid as long as `instance`.
     static HINSTANCE GetResourceHandle(HINSTANCE instance);
 };

@@ -8,9 +8,21 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "host/FoliumZoom.h"
 #include "host/HostIds.h"
 #include "host/PageImage.h"
+
+enum FoliumZoomMode : int32_t {
+    kFoliumZoomPageHeight = 0,
+    kFoliumZoomPageWidth = 1,
+    kFoliumZoomWholePage = 2,
+    kFoliumZoomPercent = 3,
+};
+
+struct FoliumZoom {
+    int32_t mode;     // FoliumZoomMode
+    int32_t percent;  // read only with kFoliumZoomPercent
+};
+static_assert(sizeof(FoliumZoom) == 8 && offsetof(FoliumZoom, percent) == 4);
 
 struct FoliumRect {
     int32_t reserved0;

@@ -6,9 +6,12 @@
 
 #include <cstdarg>
 
-#include "host/Severity.h"
-
 namespace Log {
+
+enum Severity : int {
+    kError = 2,       // concerns the user or the data
+    kDiagnostic = 6,  // names the failing operation
+};
 
 // A message of the host's own table; its text is the host's.
 enum Message : unsigned int {};

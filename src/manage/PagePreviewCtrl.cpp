@@ -7,18 +7,18 @@
 
 namespace {
 
-constexpr const char* kSource = host::kSourcePagePreviewCtrl;
+constexpr const char* kSource = "PagePreviewCtrl";
 
-COLORREF ColorOf(PreviewColor color) {
+HBRUSH BrushOf(PreviewColor color) {
     switch (color) {
         case PreviewColor::kWindow:
-            return GetSysColor(COLOR_WINDOW);
+            return GetSysColorBrush(COLOR_WINDOW);
         case PreviewColor::kHighlight:
-            return GetSysColor(COLOR_HIGHLIGHT);
+            return GetSysColorBrush(COLOR_HIGHLIGHT);
         case PreviewColor::kFace:
             break;
     }
-    return GetSysColor(COLOR_BTNFACE);
+    return GetSysColorBrush(COLOR_BTNFACE);
 }
 
 }  // namespace
@@ -65,14 +65,8 @@ void CPagePreviewCtrl::OnPaint() {
 }
 
 void CPagePreviewCtrl::Draw(HDC dc) const {
-    const HGDIOBJ pen = SelectObject(dc, GetStockObject(DC_PEN));
-    const HGDIOBJ brush = SelectObject(dc, GetStockObject(DC_BRUSH));
     for (const PreviewShape& shape : m_layout.GetShapes()) {
-        // Orders the corners of a page whose width or height is negative, unlike FillRect.
-        SetDCPenColor(dc, ColorOf(shape.color));
-        SetDCBrushColor(dc, ColorOf(shape.color));
-        Rectangle(dc, shape.rect.left, shape.rect.top, shape.rect.right, shape.rect.bottom);
+        const RECT rect = {shape.rect.left, shape.rect.top, shape.rect.right, shape.rect.bottom};
+        FillRect(dc, &rect, BrushOf(shape.color));
     }
-    SelectObject(dc, brush);
-    SelectObject(dc, pen);
 }

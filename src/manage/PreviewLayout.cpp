@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-
-#include "host/Lengths.h"
+#include <utility>
 
 namespace {
 
@@ -58,8 +57,10 @@ void PreviewLayout::SetPageSize(int32_t width, int32_t height) {
     m_page = {Saturate(dx), Saturate(dy), Saturate(right + dx), Saturate(bottom + dy)};
 }
 
-int32_t PreviewLayout::AddRect(const PageRect& area) {
-    m_areas.push_back(host::Normalized(area));
+int32_t PreviewLayout::AddRect(PageRect area) {
+    if (area.left > area.right) std::swap(area.left, area.right);
+    if (area.top > area.bottom) std::swap(area.top, area.bottom);
+    m_areas.push_back(area);
     return static_cast<int32_t>(m_areas.size()) - 1;
 }
 

@@ -23,7 +23,7 @@ public:
     void SetPageSize(int32_t width, int32_t height);
     void SetAreasIgnored(bool ignored) { m_ignored = ignored; }
     // Normalised; the area's position in the list. Throws std::bad_alloc with the list unchanged.
-    int32_t AddRect(const PageRect& area);
+    int32_t AddRect(PageRect area);
     void RemoveAllRects() { m_areas.clear(); }
 
     // What to fill, in this order: the background, the page, and each area as far as it lies on the page.

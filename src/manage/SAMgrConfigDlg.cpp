@@ -2,9 +2,9 @@
 #include "manage/SAMgrConfigDlg.h"
 
 #include "host/Controls.h"
+#include "host/Support.h"
 #include "manage/PageSettings.h"
 #include "manage/SAPaperSizeDlg.h"
-#include "module/Report.h"
 #include "resource.h"
 #include "trace/Trace.h"
 #include "win32/Failure.h"
@@ -12,9 +12,10 @@
 
 namespace {
 
-constexpr const char* kSource = host::kSourceSAMgrConfigDlg;
+constexpr const char* kSource = "SAMgrConfigDlg";
 constexpr DWORD kListStyle = LVS_EX_FULLROWSELECT | LVS_EX_INFOTIP;
 constexpr UINT kStoppedMessage = WM_APP;
+constexpr INT_PTR kNotCreated = -1;
 
 }  // namespace
 
@@ -33,7 +34,7 @@ std::span<const win32::MessageEntry> CSAMgrConfigDlg::GetMessageMap() const {
         win32::OnClick<&CSAMgrConfigDlg::OnScannedDocuments>(IDC_MANAGE_SCANNED),
         win32::OnClick<&CSAMgrConfigDlg::OnConfigurePageSize>(IDC_MANAGE_PAGE_SIZE),
         win32::OnClick<&CSAMgrConfigDlg::OnSettings>(IDC_MANAGE_SETTINGS),
-        win32::OnClick<&CSAMgrConfigDlg::OnHelp>(IDHELP),
+        win32::OnClick<&CSAMgrConfigDlg::OnHelpButton>(IDHELP),
         win32::OnMessage<&CSAMgrConfigDlg::OnHelpInfo>(WM_HELP),
         win32::OnNotify<&CSAMgrConfigDlg::OnKeyDown>(IDC_MANAGE_LIST, LVN_KEYDOWN),
         win32::OnMessage<&CSAMgrConfigDlg::OnStopped>(kStoppedMessage),
@@ -53,7 +54,9 @@ bool CSAMgrConfigDlg::OnInitDialog() {
         StopInitialisation(IDS_MANAGE_NO_PREVIEW);
         return false;
     }
-    if (!module::LoadSets(*m_pManager, kSource, __LINE__, true)) {
+    // A load that failed is reported as such once only; what it left behind is not all.
+    if (!m_pManager->LoadSettings() || !m_pManager->WasLastLoadComplete()) {
+        trace::TraceStringId(trace::kError, kSource, __LINE__, IDS_ERR_READ_SETTINGS);
         StopInitialisation(IDS_MANAGE_NOT_READ);
         return false;
     }
@@ -71,10 +74,12 @@ void CSAMgrConfigDlg::FillList() {
                         client.right - client.left - GetSystemMetrics(SM_CXHTHUMB));
     {
         const win32::RedrawOff redrawOff(m_list);
-        const auto sets = m_pManager->GetNames();  // others get the lock while the list is filled
-        m_list.SendMessage(LVM_SETITEMCOUNT, sets.size());
-        for (const auto& [dwID, name] : sets) {
-            m_list.InsertItem(m_list.GetItemCount(), name, static_cast<LPARAM>(dwID));
+        const CSystemLock lock = m_pManager->Lock();  // once, not for each set
+        const int32_t count = m_pManager->GetCount();
+        m_list.SendMessage(LVM_SETITEMCOUNT, static_cast<WPARAM>(count));
+        for (int32_t i = 0; i < count; ++i) {
+            const CAreaSet* set = m_pManager->GetAreaSet(i);
+            m_list.InsertItem(i, set->GetName(), static_cast<LPARAM>(set->GetID()));
         }
     }
     m_list.SetFocus();
@@ -89,7 +94,8 @@ void CSAMgrConfigDlg::InitializePageSource() {
         return;
     }
     ComSettingsNode node(GetApp().GetSettingsNode());
-    CheckDlgButton(pagesettings::ReadScanned(node) ? IDC_MANAGE_SCANNED : IDC_MANAGE_PAGE_SIZE, true);
+    const bool scanned = win32::ReadOr(kDefaultPageScanned, [&] { return node.GetBool(kKeyPageScanned); });
+    CheckDlgButton(scanned ? IDC_MANAGE_SCANNED : IDC_MANAGE_PAGE_SIZE, true);
     UpdateSettingsButton();
 }
 
@@ -129,7 +135,7 @@ void CSAMgrConfigDlg::UpdateSettingsButton() {
 }
 
 void CSAMgrConfigDlg::WritePageSource() {
-    ComSettingsNode(GetApp().GetSettingsNode()).SetBool(host::kKeyPageScanned, IsDlgButtonChecked(IDC_MANAGE_SCANNED));
+    ComSettingsNode(GetApp().GetSettingsNode()).SetBool(kKeyPageScanned, IsDlgButtonChecked(IDC_MANAGE_SCANNED));
 }
 
 // The size in effect becomes that of the current set, also when the paper size dialog was cancelled.
@@ -142,12 +148,20 @@ void CSAMgrConfigDlg::OnSettings() {
     const int item = GetCurrentItem();
     if (item < 0) return;
     ComSettingsNode node(settings());
-    const SIZE size = pagesettings::ReadSize(node);
+    const auto read = [&](const wchar_t* key, int32_t fallback) {
+        return win32::ReadOr(fallback, [&] { return node.GetInt64(key); });
+    };
+    const PageRect size = {0, 0, read(kKeyRealWidth, kDefaultRealWidth), read(kKeyRealHeight, kDefaultRealHeight)};
     CAreaSet* set = m_pManager->GetAreaSet(GetItemID(item));  // behind the host's calls, which may let it go
     if (set == nullptr) return;
-    set->SetDisplayRect({0, 0, size.cx, size.cy});
+    set->SetDisplayRect(size);
     UpdatePreviewControl(item);
     UpdateSizeLabel();
+}
+
+LRESULT CSAMgrConfigDlg::OnHelpInfo(WPARAM, LPARAM) {
+    OnHelp();
+    return TRUE;
 }
 
 // The support library's box adds what the host itself traced about the failure, as where a refused file is kept.
@@ -162,7 +176,7 @@ void CSAMgrConfigDlg::TellFailure(UINT text, int line) {
         // Loggers look strings up in the translation, and need not know where to go on.
         trace::TraceText(trace::kError, kSource, line, L"%ls", win32::LoadText(text).c_str());
     }
-    module::ShowFailure(GetSafeHwnd());
+    QWMessageBoxExW(GetSafeHwnd(), nullptr, nullptr, MB_ICONERROR, 0, 0, 0, win32::ModuleInstance());
 }
 
 // Nothing goes to the host unless all of it was stored; the dialog stays for another try.

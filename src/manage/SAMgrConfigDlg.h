@@ -16,7 +16,7 @@ public:
 
 protected:
     const wchar_t* GetName() const override { return L"CSAMgrConfigDlg"; }
-    const char* GetTraceSource() const override { return host::kSourceSAMgrConfigDlg; }
+    const char* GetTraceSource() const override { return "SAMgrConfigDlg"; }
     std::span<const win32::MessageEntry> GetMessageMap() const override;
     void DoDataExchange(CDataExchange& exchange) override;
     bool OnInitDialog() override;
@@ -36,6 +36,8 @@ private:
     void OnConfigurePageSize() { UpdateSettingsButton(); }
     void UpdateSettingsButton();
     void OnSettings();
+    void OnHelpButton() { OnHelp(); }
+    LRESULT OnHelpInfo(WPARAM wParam, LPARAM lParam);
     void TellFailure(UINT text, int line);
 
     // The list of sets (SAMgrConfigDlgSets.cpp)

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr const char* kSource = host::kSourceSAMgrConfigDlg;
+constexpr const char* kSource = "SAMgrConfigDlg";
 constexpr int kTextMargin = 10;
 constexpr int kWidestColumn = std::numeric_limits<short>::max();  // the message carries 16 bits
 
@@ -107,11 +107,8 @@ void CSAMgrConfigDlg::UpdateSizeLabel() {
     if (set == nullptr) return;
     const SIZE size = SizeOf(set->GetDisplayRect());
     const win32::HostUnits units;
-    // One after the other: the order in which a sum asks its parts is open.
-    std::wstring text = win32::FormatFixed(units.ToUserUnits(size.cx), 1);
-    text += L" x " + win32::FormatFixed(units.ToUserUnits(size.cy), 1);
-    text += L" " + units.GetUnitName();
-    SetDlgItemText(IDC_MANAGE_SIZE, text);
+    const auto number = [&](LONG length) { return win32::FormatFixed(units.ToUserUnits(length), 1); };
+    SetDlgItemText(IDC_MANAGE_SIZE, number(size.cx) + L" x " + number(size.cy) + L" " + units.GetUnitName());
 }
 
 void CSAMgrConfigDlg::OnCreate() {

@@ -10,8 +10,13 @@ constexpr float kSmallestSize = 0.0F;
 constexpr float kLargestSize = 1500.0F;
 constexpr int kPositionOfA4 = 1;
 
-using pagesettings::ReadBool;
-using pagesettings::ReadInteger;
+int32_t ReadInteger(ComSettingsNode& node, const wchar_t* key, int32_t fallback) {
+    return win32::ReadOr(fallback, [&] { return node.GetInt64(key); });
+}
+
+bool ReadBool(ComSettingsNode& node, const wchar_t* key, bool fallback) {
+    return win32::ReadOr(fallback, [&] { return node.GetBool(key); });
+}
 
 }  // namespace
 
@@ -37,10 +42,8 @@ void CSAPaperSizeDlg::DoDataExchange(CDataExchange& exchange) {
 bool CSAPaperSizeDlg::OnInitDialog() {
     const win32::HostUnits units;
     ComSettingsNode node(m_settings());
-    m_fCustomWidth =
-        static_cast<float>(units.ToUserUnits(ReadInteger(node, host::kKeyCustomWidth, kDefaultCustomWidth)));
-    m_fCustomHeight =
-        static_cast<float>(units.ToUserUnits(ReadInteger(node, host::kKeyCustomHeight, kDefaultCustomHeight)));
+    m_fCustomWidth = static_cast<float>(units.ToUserUnits(ReadInteger(node, kKeyCustomWidth, kDefaultCustomWidth)));
+    m_fCustomHeight = static_cast<float>(units.ToUserUnits(ReadInteger(node, kKeyCustomHeight, kDefaultCustomHeight)));
     CDialog::OnInitDialog();
 
     const bool metric = units.IsMetric();
@@ -67,17 +70,17 @@ void CSAPaperSizeDlg::FillFormats(bool metric, const std::wstring& unit) {
 
 void CSAPaperSizeDlg::LoadDialogState() {
     ComSettingsNode node(m_settings());
-    const bool portrait = ReadBool(node, host::kKeyPagePortrait, kDefaultPagePortrait);
+    const bool portrait = ReadBool(node, kKeyPagePortrait, kDefaultPagePortrait);
     CheckDlgButton(IDC_PAPER_PORTRAIT, portrait);
     CheckDlgButton(IDC_PAPER_LANDSCAPE, !portrait);
 
-    const int32_t iFormat = ReadInteger(node, host::kKeyPageFormat, kDefaultPageFormat);
+    const int32_t iFormat = ReadInteger(node, kKeyPageFormat, kDefaultPageFormat);
     for (int item = 0; item < m_comboFormat.GetCount(); ++item) {
         if (static_cast<int32_t>(m_comboFormat.GetItemData(item)) != iFormat) continue;
         m_comboFormat.SetCurSel(item);
         break;
     }
-    SelectPageType(ReadBool(node, host::kKeyPageStandard, kDefaultPageStandard));
+    SelectPageType(ReadBool(node, kKeyPageStandard, kDefaultPageStandard));
 }
 
 void CSAPaperSizeDlg::SelectPageType(bool standard) {
@@ -98,6 +101,11 @@ void CSAPaperSizeDlg::UpdateControls() {
 // A radio button also sends a click when it only gets the focus; then it is not checked.
 void CSAPaperSizeDlg::OnPageType(UINT id) {
     if (IsDlgButtonChecked(id)) SelectPageType(id == IDC_PAPER_STANDARD);
+}
+
+LRESULT CSAPaperSizeDlg::OnHelpInfo(WPARAM, LPARAM) {
+    OnHelp();
+    return TRUE;
 }
 
 // A refused size may have been stored in another unit, and its edit be disabled.
@@ -121,18 +129,18 @@ void CSAPaperSizeDlg::OnOK() {
     const win32::HostUnits units;
     const LONG customWidth = units.FromUserUnits(choice.custom.fWidth);
     const LONG customHeight = units.FromUserUnits(choice.custom.fHeight);
-    const UserPageSize size = GetEffectiveSize(choice, choice.standard && units.IsMetric());
+    const UserPageSize size = GetEffectiveSize(choice, units.IsMetric());
     const LONG realWidth = units.FromUserUnits(size.fWidth);
     const LONG realHeight = units.FromUserUnits(size.fHeight);
 
     ComSettingsNode node(m_settings());
-    node.SetInt64(host::kKeyCustomWidth, customWidth);
-    node.SetInt64(host::kKeyCustomHeight, customHeight);
-    node.SetBool(host::kKeyPagePortrait, !choice.landscape);
-    node.SetInt64(host::kKeyPageFormat, choice.iFormat);
-    node.SetBool(host::kKeyPageStandard, choice.standard);
-    node.SetInt64(host::kKeyRealWidth, realWidth);
-    node.SetInt64(host::kKeyRealHeight, realHeight);
+    node.SetInt64(kKeyCustomWidth, customWidth);
+    node.SetInt64(kKeyCustomHeight, customHeight);
+    node.SetBool(kKeyPagePortrait, !choice.landscape);
+    node.SetInt64(kKeyPageFormat, choice.iFormat);
+    node.SetBool(kKeyPageStandard, choice.standard);
+    node.SetInt64(kKeyRealWidth, realWidth);
+    node.SetInt64(kKeyRealHeight, realHeight);
     EndDialog(IDOK);
 }
 

@@ -37,6 +37,7 @@ private:
     };
 
     void OnPageType(UINT id);
+    LRESULT OnHelpInfo(WPARAM, LPARAM);
     void FillFormats(bool metric, const std::wstring& unit);
     void LoadDialogState();
     void SelectPageType(bool standard);

@@ -2,16 +2,18 @@
 
 #include <utility>
 
-#include "host/Lengths.h"
 #include "trace/Trace.h"
 
 namespace {
 
-constexpr const char* kSource = host::kSourceAreaSet;
+constexpr const char* kSource = "AreaSet";
 
 }  // namespace
 
-CAreaRect::CAreaRect(const PageRect& rect) : m_rect(host::Normalized(rect)) {}
+CAreaRect::CAreaRect(const PageRect& rect) : m_rect(rect) {
+    if (m_rect.left > m_rect.right) std::swap(m_rect.left, m_rect.right);
+    if (m_rect.top > m_rect.bottom) std::swap(m_rect.top, m_rect.bottom);
+}
 
 CAreaSet::CAreaSet(std::wstring name, uint32_t dwID) : m_strName(std::move(name)), m_dwID(dwID) {}
 

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "host/StoredSettings.h"
 #include "model/PageRect.h"
 
-// The one flag of an area set that has a meaning; the other bits are carried along as they are.
-using host::kAreasIgnored;
+// The one flag of an area set that has a meaning: its areas are the parts of the page to leave out. The other bits are
+// carried along as they are. The public header gives the same value to hosts.
+inline constexpr uint32_t kAreasIgnored = 0x10000000;
 
 // Marks an area that stands for one of the host's indexing fields; bound exactly when the name is not empty.
 struct CIndexFieldContainer {

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr const char* kSource = host::kSourceAreaSetImage;
+constexpr const char* kSource = "AreaSetImage";
 constexpr int kHostSuccess = 1;
 constexpr int kMaskConstant = 1;
 constexpr int kCopyFormat = 4;

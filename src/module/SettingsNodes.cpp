@@ -1,18 +1,14 @@
 // The two settings nodes of the module object.
 #include "module/ZonwickApp.h"
-#include "win32/ComPtr.h"
 
 namespace {
 
 using win32::CallHost;
-using TransferPtr = win32::ComPtr<ISettingsTransfer>;
 
-// The object that copied, for who has to keep it.
-TransferPtr CopyOver(ISettingsNode* target, ISettingsNode* source) {
-    auto transfer = win32::CreateHostObject<ISettingsTransfer>(host::kClsidSettingsTransfer);
+void CopyOver(ISettingsNode* target, ISettingsNode* source) {
+    const auto transfer = win32::CreateHostObject<ISettingsTransfer>(host::kClsidSettingsTransfer);
     CallHost(transfer.GetInterfacePtr(), &ISettingsTransfer::ClearNode, target);
     CallHost(transfer.GetInterfacePtr(), &ISettingsTransfer::CopyNode, target, source);
-    return transfer;
 }
 
 }  // namespace
@@ -34,9 +30,8 @@ void CZonwickApp::SetHostSettings(ISettingsNode* node) {
 void CZonwickApp::RefreshFromHost() {
     if (!m_pHostNode || !m_pWorkingNode) return;
     const CAreaSetManager::Exclusive exclusive(*GetAreaSetManager());
-    TransferPtr transfer;  // a host may see it go: after the sets were read
     try {
-        transfer = CopyOver(m_pWorkingNode, m_pHostNode);
+        CopyOver(m_pWorkingNode, m_pHostNode);
     } catch (...) {
         m_pWorkingNode = nullptr;
         GetAreaSetManager()->Forget();

@@ -2,10 +2,9 @@
 #include <cwchar>
 
 #include "module/ExportGuard.h"
-#include "module/Report.h"
 #include "module/ZonwickApp.h"
+#include "resource.h"
 #include "trace/Trace.h"
-#include "win32/Resources.h"
 #include "zonwick/zonwick.h"
 
 static_assert(SA_AREAS_IGNORED == kAreasIgnored);
@@ -13,10 +12,12 @@ static_assert(sizeof(PageRect) == sizeof(RECT) && offsetof(PageRect, right) == o
 
 namespace {
 
-constexpr const char* kSource = host::kSourceZonwick;
+constexpr const char* kSource = "Zonwick";
 
 bool LoadSets() {
-    return module::LoadSets(*GetAreaSetManager(), kSource, __LINE__);
+    if (GetAreaSetManager()->LoadSettings()) return true;
+    trace::TraceStringId(trace::kError, kSource, __LINE__, IDS_ERR_READ_SETTINGS);
+    return false;
 }
 
 // True when the pointer that the caller has to give is there.
@@ -42,7 +43,6 @@ BOOL FillInfo(const CAreaSet& set, SAAreaInfo& info) {
 }
 
 void Init(IUnknown* pHost) {
-    const win32::ResourceScope resources;  // the host's objects are made in it
     if (GetApp().IsDialogOpen()) {
         trace::TraceText(trace::kDiagnostic, kSource, __LINE__, L"SAInit: a dialog is open, nothing was changed.");
         return;
@@ -52,7 +52,12 @@ void Init(IUnknown* pHost) {
                          L"SAInit: the sets are being loaded or stored, nothing was changed.");
         return;
     }
-    GetApp().SetHostSettings(pHost == nullptr ? ISettingsNodePtr() : win32::QueryHost<ISettingsNodePtr>(pHost));
+    ISettingsNodePtr node;
+    if (pHost != nullptr) {
+        const HRESULT status = pHost->QueryInterface(__uuidof(ISettingsNode), reinterpret_cast<void**>(&node));
+        if (FAILED(status) && status != E_NOINTERFACE) win32::ThrowHostError(status, __uuidof(ISettingsNode));
+    }
+    GetApp().SetHostSettings(node);
 }
 
 }  // namespace

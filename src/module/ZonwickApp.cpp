@@ -50,9 +50,10 @@ CZonwickApp::~CZonwickApp() {
 
 void CZonwickApp::InitInstance(HINSTANCE instance) {
     trace::SetTraceInstance(instance);
-    CLogBase::InitImpl(L"", instance, CLang::GetResourceHandle(instance));
-    win32::SetInstances(instance, CLang::GetResourceHandle(instance));
-    if (const wchar_t* name = HostApplicationName()) win32::SetApplicationName(name);
+    const HINSTANCE resources = CLang::GetResourceHandle(instance);
+    CLogBase::InitImpl(L"", instance, resources);
+    win32::SetInstances(instance, resources);
+    if (const wchar_t* name = HostApplicationName()) m_applicationName = name;
 }
 
 void CZonwickApp::Abandon() noexcept {

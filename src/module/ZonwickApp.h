@@ -5,12 +5,19 @@
 
 #include "host/DocumentStack.h"
 #include "host/PageImage.h"
-#include "module/NavigationFlags.h"
 #include "store/AreaSetManager.h"
 #include "store/ComSettingsNode.h"
 
 _COM_SMARTPTR_TYPEDEF(IQuire, __uuidof(IQuire));
 _COM_SMARTPTR_TYPEDEF(IPageImage, __uuidof(IPageImage));
+
+// Where a page lies in the document stack: which ways on are closed.
+enum NavigationFlag : uint32_t {
+    NAV_NO_PREV_PAGE = 1,
+    NAV_NO_NEXT_PAGE = 2,
+    NAV_NO_PREV_DOC = 4,
+    NAV_NO_NEXT_DOC = 8,
+};
 
 // Used on the host's window thread, without a lock.
 class CZonwickApp {
@@ -56,6 +63,8 @@ public:
     void DialogClosed() { --m_openDialogs; }
     bool IsDialogOpen() const { return m_openDialogs > 0; }
 
+    const std::wstring& GetApplicationName() const { return m_applicationName; }
+
 private:
     static bool CopyPageImage(IQuirePage* page, IPageImage* image);
     // A new object of a host class with one reference for the caller; null, and its class traced, when there is none.
@@ -68,6 +77,7 @@ private:
     int32_t m_nDefaultPage = 0;
 
     int m_openDialogs = 0;
+    std::wstring m_applicationName;
 };
 
 // The module object and the manager of all area sets. The manager is the older and lives longer.

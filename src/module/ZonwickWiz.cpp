@@ -5,7 +5,6 @@
 #include <memory>
 #include <new>
 
-#include "host/SafeArray.h"
 #include "module/ZonwickApp.h"
 #include "trace/Trace.h"
 
@@ -14,7 +13,7 @@ namespace {
 using win32::CallHost;
 using win32::CheckHost;
 
-constexpr const char* kSource = host::kSourceZonwickWiz;
+constexpr const char* kSource = "ZonwickWiz";
 
 _COM_SMARTPTR_TYPEDEF(IUnknown, __uuidof(IUnknown));
 _COM_SMARTPTR_TYPEDEF(IQuireDocument, __uuidof(IQuireDocument));
@@ -29,6 +28,40 @@ LONG CountOf(Collection* collection) {
     CallHost(collection, &Collection::GetCount, &count);
     return count;
 }
+
+// A host's byte array: destroyed, and unlocked before that, on every way out.
+class ByteArray {
+public:
+    explicit ByteArray(SAFEARRAY* array) : m_array(array) {}
+    ~ByteArray() {
+        if (m_locked) SafeArrayUnlock(m_array);
+        SafeArrayDestroy(m_array);
+    }
+    ByteArray(const ByteArray&) = delete;
+    ByteArray& operator=(const ByteArray&) = delete;
+
+    // Checks the kind of array, locks it and tells its length.
+    LONG Lock() {
+        VARTYPE type = VT_EMPTY;
+        if (m_array == nullptr || SafeArrayGetDim(m_array) != 1) throw _com_error(E_INVALIDARG);
+        CheckHost(SafeArrayGetVartype(m_array, &type), __uuidof(IImageData));
+        if (type != VT_UI1) throw _com_error(E_INVALIDARG);
+        CheckHost(SafeArrayLock(m_array), __uuidof(IImageData));
+        m_locked = true;
+        LONG lower = 0;
+        LONG upper = 0;
+        CheckHost(SafeArrayGetLBound(m_array, 1, &lower), __uuidof(IImageData));
+        CheckHost(SafeArrayGetUBound(m_array, 1, &upper), __uuidof(IImageData));
+        const int64_t length = int64_t{upper} - lower + 1;
+        if (length > std::numeric_limits<LONG>::max()) throw _com_error(E_INVALIDARG);
+        return static_cast<LONG>(length);
+    }
+    const void* Data() const { return m_array->pvData; }
+
+private:
+    SAFEARRAY* m_array;
+    bool m_locked = false;
+};
 
 void SetFlag(uint32_t& flags, uint32_t flag, bool on) {
     flags = on ? flags | flag : flags & ~flag;
@@ -80,21 +113,18 @@ bool CZonwickApp::CopyPageImage(IQuirePage* page, IPageImage* image) {
         IUnknownPtr unknown;
         CallHost(source.GetInterfacePtr(), &IImageSource::GetData, &unknown);
         if (!unknown) win32::ThrowHostError(E_POINTER, __uuidof(IImageSource));
-        data = win32::QueryHost<IImageDataPtr>(unknown);
+        const HRESULT status = unknown->QueryInterface(__uuidof(IImageData), reinterpret_cast<void**>(&data));
+        if (FAILED(status) && status != E_NOINTERFACE) win32::ThrowHostError(status, __uuidof(IImageData));
     }
     SAFEARRAY* bytes = nullptr;
     CallHost(data.GetInterfacePtr(), &IImageData::GetBytes, &bytes);
-    // Given back in the opposite order: the host's array, the copy, the loader.
-    IImageLoaderPtr loader;
-    std::unique_ptr<BYTE[]> copy;
-    host::ArrayOwner array(bytes);
-    CheckHost(array.Lock(VT_UI1), __uuidof(IImageData));
-    if (array.Count() > std::numeric_limits<LONG>::max()) win32::ThrowHostError(E_INVALIDARG, __uuidof(IImageData));
-    const auto length = static_cast<LONG>(array.Count());
-    copy.reset(new (std::nothrow) BYTE[static_cast<size_t>(length)]);
+    ByteArray array(bytes);
+    const LONG length = array.Lock();
+    const std::unique_ptr<BYTE[]> copy(new (std::nothrow) BYTE[static_cast<size_t>(length)]);
     if (copy == nullptr) return false;
-    if (length > 0) std::memcpy(copy.get(), array.Data<BYTE>(), static_cast<size_t>(length));
+    if (length > 0) std::memcpy(copy.get(), array.Data(), static_cast<size_t>(length));
 
+    IImageLoaderPtr loader;
     if (FAILED(image->QueryInterface(__uuidof(IImageLoader), reinterpret_cast<void**>(&loader)))) return false;
     return loader && SUCCEEDED(loader->LoadFromMemory(copy.get(), length));
 }

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr const char* kSource = host::kSourceAreaSetManager;
+constexpr const char* kSource = "AreaSetManager";
 
 std::unique_ptr<CAreaSet> MakeSet(const std::wstring& name, uint32_t dwID) {
     try {
@@ -120,14 +120,6 @@ CAreaSet* CAreaSetManager::FindSet(uint32_t dwID, int32_t* pIndex) {
 int32_t CAreaSetManager::GetCount() {
     const CSystemLock lock(m_mutex);
     return static_cast<int32_t>(m_arrSets.size());
-}
-
-std::vector<std::pair<uint32_t, std::wstring>> CAreaSetManager::GetNames() {
-    const CSystemLock lock(m_mutex);
-    std::vector<std::pair<uint32_t, std::wstring>> names;
-    names.reserve(m_arrSets.size());
-    for (const auto& set : m_arrSets) names.emplace_back(set->GetID(), set->GetName());
-    return names;
 }
 
 bool CAreaSetManager::RemoveSet(uint32_t dwID) {

@@ -7,7 +7,6 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "model/AreaSet.h"
@@ -37,8 +36,6 @@ public:
     // pIndex receives the position, -1 when there is no such set.
     CAreaSet* GetAreaSet(uint32_t dwID, int32_t* pIndex = nullptr);
     int32_t GetCount();
-    // Identifiers and names of all sets in their order, for who lists them without holding the lock.
-    std::vector<std::pair<uint32_t, std::wstring>> GetNames();
     bool RemoveSet(uint32_t dwID);
     void RemoveAllSets();
     void SetAreaSetName(uint32_t dwID, const std::wstring& name);

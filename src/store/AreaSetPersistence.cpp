@@ -4,13 +4,23 @@
 #include <string>
 #include <utility>
 
-#include "host/StoredSettings.h"
 #include "store/AreaSetManager.h"
+#include "store/SettingsKeys.h"
 #include "trace/Trace.h"
 
 namespace {
 
-constexpr const char* kSource = host::kSourceAreaSetManager;
+constexpr const char* kSource = "AreaSetManager";
+
+// The order in which the four coordinates are visited, reading and writing.
+struct Coordinate {
+    const wchar_t* key;
+    int32_t PageRect::*member;
+};
+constexpr Coordinate kCoordinates[] = {{kKeyBottom, &PageRect::bottom},
+                                       {kKeyLeft, &PageRect::left},
+                                       {kKeyRight, &PageRect::right},
+                                       {kKeyTop, &PageRect::top}};
 
 // An unreadable rectangle is empty as a whole. When it was lost nothing was found out about it: it is not taken for
 // empty and stored as such later.
@@ -18,8 +28,7 @@ PageRect ReadRect(SettingsNode& node, const std::wstring& name) {
     try {
         PageRect rect;
         const auto sub = node.GetSubNode(name);
-        for (const auto& [key, member] : host::kStoredCoordinates<PageRect>)
-            rect.*member = static_cast<int32_t>(sub->GetInt64(key));
+        for (const auto& [key, member] : kCoordinates) rect.*member = static_cast<int32_t>(sub->GetInt64(key));
         return rect;
     } catch (const SettingsLost&) {
         throw;
@@ -34,7 +43,7 @@ PageRect ReadRect(SettingsNode& node, const std::wstring& name) {
 bool WriteRect(SettingsNode& node, const std::wstring& name, const PageRect& rect) {
     try {
         const auto sub = node.GetSubNode(name);
-        for (const auto& [key, member] : host::kStoredCoordinates<PageRect>) sub->SetInt64(key, rect.*member);
+        for (const auto& [key, member] : kCoordinates) sub->SetInt64(key, rect.*member);
         return true;
     } catch (...) {
         return false;
@@ -56,11 +65,11 @@ void ReadOptional(Read read) {
 }
 
 void ReadSet(SettingsNode& node, CAreaSet& set) {
-    ReadOptional([&] { set.SetName(node.GetString(host::kKeyName)); });
-    ReadOptional([&] { set.SetFlags(static_cast<uint32_t>(node.GetInt64(host::kKeyFlags))); });
-    set.SetDisplayRect(ReadRect(node, host::kKeyDisplayRect));
+    ReadOptional([&] { set.SetName(node.GetString(kKeyName)); });
+    ReadOptional([&] { set.SetFlags(static_cast<uint32_t>(node.GetInt64(kKeyFlags))); });
+    set.SetDisplayRect(ReadRect(node, kKeyDisplayRect));
 
-    const auto rects = node.GetSubNode(host::kKeyRect);
+    const auto rects = node.GetSubNode(kKeyRect);
     const SubNodeNames names = rects->GetSubNodeNames();
     for (int64_t i = 0; i < names.Count(); ++i) set.AddRect(ReadRect(*rects, names.At(i)));
 }
@@ -100,7 +109,7 @@ void CAreaSetManager::LoadSets() {
     const SubNodeNames keys = root->GetSubNodeNames();
     for (int64_t i = 0; i < keys.Count(); ++i) {
         const std::wstring& key = keys.At(i);
-        if (host::ParseSetKey(key) != 0) {
+        if (ParseSetKey(key) != 0) {
             LoadSet(*root, key);
         } else {
             trace::TraceText(trace::kDiagnostic, kSource, __LINE__,
@@ -115,7 +124,7 @@ void CAreaSetManager::LoadSets() {
 // set would mask, or be stored, as if it were all.
 void CAreaSetManager::LoadSet(SettingsNode& root, const std::wstring& key) {
     const auto node = root.GetSubNode(key);
-    const uint32_t dwID = host::ParseSetKey(key);
+    const uint32_t dwID = ParseSetKey(key);
     int32_t position = -1;
     const CAreaSet* former = GetAreaSet(dwID, &position);
     if (dwID > m_dwLastID) m_dwLastID = dwID;
@@ -171,13 +180,13 @@ bool CAreaSetManager::StoreAreaSet(uint32_t dwID) {
 bool CAreaSetManager::WriteSet(const CAreaSet& set) {
     try {
         auto root = GetRoot();
-        const auto node = root->GetSubNode(host::MakeSetKey(set.GetID()));
+        const auto node = root->GetSubNode(MakeSetKey(set.GetID()));
         root.reset();
-        node->SetString(host::kKeyName, set.GetName());
-        node->SetInt64(host::kKeyFlags, set.GetFlags());
-        bool complete = WriteRect(*node, host::kKeyDisplayRect, set.GetDisplayRect());
+        node->SetString(kKeyName, set.GetName());
+        node->SetInt64(kKeyFlags, set.GetFlags());
+        bool complete = WriteRect(*node, kKeyDisplayRect, set.GetDisplayRect());
 
-        const auto rects = node->GetSubNode(host::kKeyRect);
+        const auto rects = node->GetSubNode(kKeyRect);
         const SubNodeNames old = rects->GetSubNodeNames();
         for (int64_t i = 0; i < old.Count(); ++i) rects->DeleteSubNode(old.At(i));
         for (int32_t i = 0; i < set.GetRectCount(); ++i) {

@@ -5,8 +5,6 @@
 #include <memory>
 #include <utility>
 
-#include "host/SafeArray.h"
-
 namespace {
 
 using win32::Bstr;
@@ -38,6 +36,24 @@ private:
         wchar_t text[40];
     } m_buffer;
     std::unique_ptr<Bstr> m_long;
+};
+
+struct DestroyArray {
+    void operator()(SAFEARRAY* array) const { SafeArrayDestroy(array); }
+};
+using ArrayPtr = std::unique_ptr<SAFEARRAY, DestroyArray>;
+
+class ArrayLock {
+public:
+    explicit ArrayLock(SAFEARRAY* array) : m_array(array) {
+        CheckHost(SafeArrayLock(m_array), __uuidof(ISettingsNode));
+    }
+    ~ArrayLock() { SafeArrayUnlock(m_array); }
+    ArrayLock(const ArrayLock&) = delete;
+    ArrayLock& operator=(const ArrayLock&) = delete;
+
+private:
+    SAFEARRAY* m_array;
 };
 
 // As an exception of the two kinds.
@@ -74,18 +90,26 @@ void CallNode(ISettingsNode* node, HRESULT (STDMETHODCALLTYPE ISettingsNode::*op
     Telling([&] { CallHost(node, operation, std::forward<Arguments>(arguments)...); });
 }
 
-SubNodeNames ReadNames(host::ArrayOwner& array) {
-    CheckHost(array.Lock(VT_BSTR), __uuidof(ISettingsNode));
-    const auto* elements = array.Data<const BSTR>();
+SubNodeNames ReadNames(SAFEARRAY* array) {
+    VARTYPE type = VT_EMPTY;
+    if (array == nullptr || SafeArrayGetDim(array) != 1) throw _com_error(E_INVALIDARG);
+    CheckHost(SafeArrayGetVartype(array, &type), __uuidof(ISettingsNode));
+    if (type != VT_BSTR) throw _com_error(E_INVALIDARG);
+    LONG lower = 0;
+    LONG upper = 0;
+    CheckHost(SafeArrayGetLBound(array, 1, &lower), __uuidof(ISettingsNode));
+    CheckHost(SafeArrayGetUBound(array, 1, &upper), __uuidof(ISettingsNode));
+    const int64_t count = int64_t{upper} - lower + 1;
+
+    const ArrayLock lock(array);
+    const auto* elements = static_cast<const BSTR*>(array->pvData);
     std::vector<std::wstring> names;
-    const LONG lower = array.Lower();
-    const LONG upper = array.Upper();
     if (lower <= 0 && upper >= 0) names.reserve(static_cast<size_t>(upper) + 1);
     for (int64_t i = 0; lower <= 0 && i <= upper; ++i) {
         const BSTR name = elements[i - lower];
         names.emplace_back(name == nullptr ? L"" : name, SysStringLen(name));
     }
-    return {std::move(names), array.Count()};
+    return {std::move(names), count};
 }
 
 }  // namespace
@@ -93,8 +117,8 @@ SubNodeNames ReadNames(host::ArrayOwner& array) {
 SubNodeNames ComSettingsNode::GetSubNodeNames() {
     SAFEARRAY* array = nullptr;
     CallNode(m_node.GetInterfacePtr(), &ISettingsNode::GetSubNodeNames, &array);
-    host::ArrayOwner owner(array);
-    return Telling([&] { return ReadNames(owner); });
+    const ArrayPtr owner(array);
+    return Telling([&] { return ReadNames(array); });
 }
 
 SettingsNodePtr ComSettingsNode::GetSubNode(const std::wstring& name) {

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr const char* kSource = host::kSourceAreaSetManager;
+constexpr const char* kSource = "AreaSetManager";
 
 static_assert(sizeof(SRWLOCK) == sizeof(void*));
 

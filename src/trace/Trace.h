@@ -5,12 +5,11 @@
 
 #include <cstdint>
 
-#include "host/Severity.h"
-
 namespace trace {
 
-using Log::kDiagnostic;
-using Log::kError;
+// Severities, as the host's logger numbers them.
+inline constexpr int kError = 2;       // concerns the user or the data
+inline constexpr int kDiagnostic = 6;  // names the failing operation
 
 // A number of the host's own message table.
 enum class HostMessage : uint32_t {};

@@ -10,17 +10,28 @@
 #include "resource.h"
 #include "win32/Failure.h"
 #include "win32/Resources.h"
-#include "win32/ScopedFlag.h"
 
 namespace {
 
 constexpr DWORD kHelpBase = 0x20000;
+constexpr INT_PTR kNotCreated = -1;
 
 // The dialogs open in the module, the innermost last. Used on the window thread.
 std::vector<HWND>& OpenDialogs() {
     static std::vector<HWND> dialogs;
     return dialogs;
 }
+
+class ScopedFlag {
+public:
+    explicit ScopedFlag(bool& flag) : m_flag(flag) { m_flag = true; }
+    ~ScopedFlag() { m_flag = false; }
+    ScopedFlag(const ScopedFlag&) = delete;
+    ScopedFlag& operator=(const ScopedFlag&) = delete;
+
+private:
+    bool& m_flag;
+};
 
 bool IsReflected(UINT message) {
     return message == WM_DRAWITEM || message == WM_MEASUREITEM || message == WM_DELETEITEM || message == WM_COMPAREITEM;
@@ -155,7 +166,7 @@ bool CDialog::Route(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result,
     }
     if (message == WM_COMMAND && code == BN_CLICKED && (id == IDOK || id == IDCANCEL)) {
         handler = this;
-        const win32::ScopedFlag ending(m_ending);
+        const ScopedFlag ending(m_ending);
         id == IDOK ? OnOK() : OnCancel();
         return true;
     }
@@ -197,7 +208,7 @@ void CDialog::HandlerFailed(const std::exception_ptr& failure, const void* handl
         win32::TraceFailure(failure, GetTraceSource(), __LINE__, GetName());
         // A closing window has nothing to hang a box on, and a box shows one failure at a time.
         if (m_state == State::kClosing || m_reporting) return;
-        const win32::ScopedFlag reporting(m_reporting);
+        const ScopedFlag reporting(m_reporting);
         HostMessageBox(GetSafeHwnd(), report.text.c_str(), MB_OK | MB_ICONERROR);
     } catch (...) {
         win32::TraceFailure(std::current_exception(), GetTraceSource(), __LINE__, GetName());
@@ -228,8 +239,7 @@ bool CDialog::UpdateData(bool save) {
         return true;
     } catch (const DataRefused& refused) {
         OnDataRefused(refused.id);
-        // The one box of the module's own; all others are the host's.
-        MessageBoxW(GetSafeHwnd(), refused.text.c_str(), win32::ApplicationName().c_str(), MB_OK | MB_ICONEXCLAMATION);
+        HostMessageBox(GetSafeHwnd(), refused.text.c_str(), MB_OK | MB_ICONEXCLAMATION);
         const HWND control = GetDlgItem(refused.id);
         SendMessage(WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
         ::SendMessageW(control, EM_SETSEL, 0, -1);
@@ -239,9 +249,4 @@ bool CDialog::UpdateData(bool save) {
 
 void CDialog::OnHelp() {
     HostHelp(GetSafeHwnd(), kHelpBase + m_templateId, 0);
-}
-
-LRESULT CDialog::OnHelpInfo(WPARAM, LPARAM) {
-    OnHelp();
-    return TRUE;
 }

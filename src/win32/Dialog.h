@@ -6,7 +6,6 @@
 #include <span>
 #include <vector>
 
-#include "host/Severity.h"
 #include "win32/ControlHost.h"
 #include "win32/DataExchange.h"
 #include "win32/MessageMap.h"
@@ -26,15 +25,14 @@ public:
     explicit CDialog(UINT templateId, CWnd* parent = nullptr) : m_templateId(templateId), m_parent(parent) {}
     ~CDialog() override;
 
-    static constexpr INT_PTR kNotCreated = -1;
-    // IDOK or IDCANCEL; kNotCreated when the dialog or a control of it could not be made. Without a parent the dialog
-    // open on this thread becomes the owner, or else the thread's active window.
+    // IDOK or IDCANCEL; -1 when the dialog or a control of it could not be made. Without a parent the dialog open on
+    // this thread becomes the owner, or else the thread's active window.
     INT_PTR DoModal();
 
 protected:
     // Its name in traces, and the source that they carry.
     virtual const wchar_t* GetName() const = 0;
-    virtual const char* GetTraceSource() const { return host::kSourceZonwick; }
+    virtual const char* GetTraceSource() const { return "Zonwick"; }
 
     virtual std::span<const win32::MessageEntry> GetMessageMap() const { return {}; }
     virtual std::span<const win32::EventEntry> GetEventMap() const { return {}; }
@@ -55,9 +53,8 @@ protected:
     // Runs DoDataExchange; false when a value was refused, of which the user was told.
     bool UpdateData(bool save);
     void EndDialog(INT_PTR result) { ::EndDialog(GetSafeHwnd(), result); }
-    // The chapter of this dialog: for its Help button, and for WM_HELP.
+    // The chapter of this dialog.
     void OnHelp();
-    LRESULT OnHelpInfo(WPARAM wParam, LPARAM lParam);
 
 private:
     static INT_PTR CALLBACK DialogProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) noexcept;

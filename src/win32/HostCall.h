@@ -36,29 +36,17 @@ Value ReadOr(Value fallback, Read read) {
     }
 }
 
-// A missing interface is no failure yet but null, which throws E_POINTER on first use through CallHost.
-inline void CheckQuery(HRESULT status, REFIID iid) {
-    if (status != E_NOINTERFACE) CheckHost(status, iid);
-}
-
-// Asks an object of the host for another interface: QueryHost<IConfigScopePtr>(host).
-template <class Pointer>
-Pointer QueryHost(IUnknown* object) {
-    typename Pointer::Interface* found = nullptr;
-    CheckQuery(object->QueryInterface(Pointer::GetIID(), reinterpret_cast<void**>(&found)), Pointer::GetIID());
-    return {found, false};
-}
-
 // Creates an object of a host class and asks it for an interface, the way the host's out-of-process classes need it:
 // create as IUnknown, OleRun, query. Any failure is handed back; *object is null then.
 HRESULT CreateRunningObject(REFCLSID classId, REFIID iid, void** object) noexcept;
 
-// The same, thrown; CheckQuery takes the status, from whichever step it is.
+// The same, thrown: a failure as it is, a missing interface (E_NOINTERFACE, from whichever step) as null, which throws
+// E_POINTER on first use through CallHost.
 template <class Interface>
 _com_ptr_t<_com_IIID<Interface, &__uuidof(Interface)>> CreateHostObject(REFCLSID classId) {
     Interface* object = nullptr;
-    CheckQuery(CreateRunningObject(classId, __uuidof(Interface), reinterpret_cast<void**>(&object)),
-               __uuidof(Interface));
+    const HRESULT status = CreateRunningObject(classId, __uuidof(Interface), reinterpret_cast<void**>(&object));
+    if (FAILED(status) && status != E_NOINTERFACE) ThrowHostError(status, __uuidof(Interface));
     return {object, false};
 }
 

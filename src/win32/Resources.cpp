@@ -5,7 +5,6 @@ namespace {
 
 HINSTANCE g_module = nullptr;
 HINSTANCE g_resources = nullptr;
-std::wstring g_applicationName;
 
 bool HasString(HINSTANCE instance, UINT id) noexcept {
     const wchar_t* text = nullptr;
@@ -21,14 +20,6 @@ void SetInstances(HINSTANCE module, HINSTANCE resources) noexcept {
 
 HINSTANCE ModuleInstance() noexcept {
     return g_module == nullptr ? GetModuleHandleW(nullptr) : g_module;
-}
-
-void SetApplicationName(std::wstring name) noexcept {
-    g_applicationName.swap(name);
-}
-
-const std::wstring& ApplicationName() noexcept {
-    return g_applicationName;
 }
 
 HINSTANCE FindResourceInstance(const wchar_t* type, UINT id) noexcept {

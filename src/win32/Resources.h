@@ -13,10 +13,6 @@ namespace win32 {
 void SetInstances(HINSTANCE module, HINSTANCE resources) noexcept;
 HINSTANCE ModuleInstance() noexcept;
 
-// The caption of the boxes that the module shows itself; empty until it is set.
-void SetApplicationName(std::wstring name) noexcept;
-const std::wstring& ApplicationName() noexcept;
-
 // The instance that has the resource: the localised one, or the module's own for what a translation lacks.
 HINSTANCE FindResourceInstance(const wchar_t* type, UINT id) noexcept;
 

@@ -3,7 +3,6 @@
 #include <new>
 #include <utility>
 
-#include "host/Severity.h"
 #include "win32/Failure.h"
 
 CWnd::~CWnd() {
@@ -32,7 +31,7 @@ LRESULT CALLBACK CWnd::SubclassProc(HWND hWnd, UINT message, WPARAM wParam, LPAR
         if (message != WM_NCDESTROY) return window->WindowProc(message, wParam, lParam);
         window->Detach();
     } catch (...) {
-        win32::TraceFailure(std::current_exception(), host::kSourceZonwick, __LINE__, L"CWnd::WindowProc");
+        win32::TraceFailure(std::current_exception(), "Zonwick", __LINE__, L"CWnd::WindowProc");
     }
     return DefSubclassProc(hWnd, message, wParam, lParam);
 }

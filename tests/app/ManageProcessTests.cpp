@@ -64,6 +64,7 @@ protected:
         if (const HWND dialog = WaitForDialog(zonhost.Id())) answer(dialog, zonhost.Id());
         return zonhost.End();
     }
+    std::string Settings() const { return ReadAll(m_folder / "settings.json"); }
 };
 
 TEST_F(ZonhostManage, OkSavesToANewFile) {

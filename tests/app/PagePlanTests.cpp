@@ -4,11 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <fstream>
+#include <random>
 #include <tuple>
 
 #include "refhost/app/Text.h"
 #include "refhost/app/WorkerPool.h"
-#include "support/Files.h"
 
 using namespace zonhost;
 namespace fs = std::filesystem;
@@ -59,12 +60,11 @@ TEST(OutputNames, FramesAreNumberedSoThatTheySort) {
 }
 
 TEST(FindPages, TakesFilesFoldersAndPatternsOnce) {
-    const test::TempFolder temp;
-    const fs::path& folder = temp.path;
+    const fs::path folder = fs::temp_directory_path() / ("zonhost-pages-" + std::to_string(std::random_device{}()));
     fs::create_directories(folder / "sub.tif");
     fs::create_directories(folder / "empty");
     for (const char* name : {"b.tif", "a.PNG", "c.jpeg", "notes.txt", "z\xC3\xA4.bmp"}) {
-        test::WriteAll(folder / PathFromUtf8(name), "x");
+        std::ofstream(folder / PathFromUtf8(name)) << "x";
     }
     const PageList pages =
         FindPages({folder / "b.tif", folder, folder / "sub.tif" / ".." / "b.tif", folder / "notes.txt", folder / "?.*",
@@ -78,24 +78,29 @@ TEST(FindPages, TakesFilesFoldersAndPatternsOnce) {
     fs::current_path(folder);
     EXPECT_EQ(FindPages({"b*.tif"}).files, (std::vector<fs::path>{fs::path(".") / "b.tif"}));
     fs::current_path(before);
+    fs::remove_all(folder);
 }
 
 // Texts that a host's operator may hand over, by any name and of any size.
 TEST(ReadTextFile, TellsWhatIsWrongWithTheFile) {
-    const test::TempFolder temp;
+    const fs::path folder = fs::temp_directory_path() / ("zonhost-text-" + std::to_string(std::random_device{}()));
+    fs::create_directories(folder);
     const std::string whole(200000, 'x');
-    test::WriteAll(temp.path / "whole.txt", whole);
-    EXPECT_EQ(ReadTextFile(temp.path / "whole.txt", 200000), whole);
-    for (const auto& [name, message] : {std::pair{"whole.txt", "longer than the 0 MiB"},
-                                        std::pair{"", "is a folder"},
-                                        {"none.txt", "none.txt: no such file"}}) {
+    std::ofstream(folder / "whole.txt", std::ios::binary) << whole;
+    EXPECT_EQ(ReadTextFile(folder / "whole.txt", 200000), whole);
+    const struct {
+        const char* name;
+        const char* message;
+    } cases[] = {{"whole.txt", "longer than the 0 MiB"}, {"", "is a folder"}, {"none.txt", "none.txt: no such file"}};
+    for (const auto& test : cases) {
         try {
-            ReadTextFile(temp.path / name, 199999);
-            ADD_FAILURE() << name << " was read";
+            ReadTextFile(folder / test.name, 199999);
+            ADD_FAILURE() << test.name << " was read";
         } catch (const CommandError& error) {
-            EXPECT_THAT(error.what(), testing::HasSubstr(message));
+            EXPECT_THAT(error.what(), testing::HasSubstr(test.message));
         }
     }
+    fs::remove_all(folder);
 }
 
 TEST(FindPages, PatternsMatchLikeTheSystems) {

@@ -4,13 +4,26 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
 #include <string>
-
-#include "support/Files.h"
 
 namespace test {
 
 namespace fs = std::filesystem;
+
+inline std::string ReadAll(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+inline void WriteAll(const fs::path& path, const std::string& text) {
+    std::ofstream(path, std::ios::binary) << text;
+}
 
 struct Result {
     DWORD code = 0xFFFF;
@@ -72,11 +85,18 @@ private:
 
 class ZonhostFolder : public testing::Test {
 protected:
+    // A name outside every code page.
     void SetUp() override {
+        m_folder = fs::temp_directory_path() / (L"zonhost \u00E9\u4E2D " + std::to_wstring(std::random_device{}()) +
+                                                L"-" + std::to_wstring(GetCurrentProcessId()));
         fs::create_directories(m_folder / "in");
         WriteAll(m_folder / "sets.json",
                  R"({"sets":[{"name":"Keep","mode":"required","areas":[{"left":20,"top":10,"right":120,"bottom":60}]},)"
                  R"({"name":"Drop","mode":"ignored","areas":[{"left":20,"top":10,"right":120,"bottom":60}]}]})");
+    }
+    void TearDown() override {
+        std::error_code error;
+        fs::remove_all(m_folder, error);
     }
 
     // With the folder as the current one and its settings.json; `arguments` as typed.
@@ -87,10 +107,7 @@ protected:
         ASSERT_EQ(result.code, 0u) << result.err;
     }
 
-    std::string Settings() const { return ReadAll(m_folder / "settings.json"); }
-
-    const TempFolder m_temp;
-    const fs::path& m_folder = m_temp.path;
+    fs::path m_folder;
     int m_runs = 0;
 };
 

@@ -1,6 +1,7 @@
 // The exports that open "Configure Area Set": what they hand back, what they refuse, and what is left after failures.
 #include "configdlg/ConfigFixture.h"
-#include "support/FakeUnits.h"
+
+#include "host/MeasureUnits.h"
 
 #include <algorithm>
 #include <functional>
@@ -264,30 +265,50 @@ TEST_F(ConfigExports, WhileOpenTheSameExportAndNewSettingsAreRefused) {
     EXPECT_TRUE(PlaySet(5, {PressCancel})) << "the refusal ends with the dialog";
 }
 
-TEST_F(ConfigExports, UnitsAreAskedInTheOrderOfTheText) {
-    KeepPages();
-    m_units.reset();
-    const FakeUnitsClass units(Host().createTransfer);
-    const auto pair = [] { return UnitCalls().at(0) + L", " + UnitCalls().at(1); };
-    EXPECT_TRUE(PlaySet(9, {[&](HWND dialog) {
-                                EXPECT_EQ(TextOf(dialog, IDC_CONFIG_SIZE), L"210, 297");
-                                EXPECT_EQ(pair(), L"210, 297");
-                                UnitCalls().clear();
-                                MouseTo(OnPage(dialog, 300, 700));
-                            },
-                            [&](HWND dialog) {
-                                ASSERT_EQ(UnitCalls().size(), 2u);
-                                EXPECT_EQ(TextOf(dialog, IDC_CONFIG_POSITION), pair());
-                                EXPECT_NE(UnitCalls()[0], UnitCalls()[1]);
-                            },
-                            PressCancel}));
-}
+// Units whose calls fail like those of the settings.
+class FailingUnits final : public FakeObject<IMeasureUnits> {
+public:
+    HRESULT STDMETHODCALLTYPE GetMeasureSystem(LONG* system) override {
+        *system = 1;
+        return Status();
+    }
+    HRESULT STDMETHODCALLTYPE GetUnitName(BSTR* name) override { return Give(L"mm", name); }
+    HRESULT STDMETHODCALLTYPE ToUserUnits(LONG length, double* value) override {
+        *value = length / 10.0;
+        return Status();
+    }
+    HRESULT STDMETHODCALLTYPE FromUserUnits(double value, LONG* length) override {
+        *length = static_cast<LONG>(value * 10);
+        return Status();
+    }
+    HRESULT STDMETHODCALLTYPE FormatValue(LONG length, BSTR* text) override {
+        return Give(std::to_wstring(length / 10).c_str(), text);
+    }
+    HRESULT STDMETHODCALLTYPE Reserved3() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved4() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved5() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved6() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved8() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved10() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved12() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved14() override { return E_NOTIMPL; }
+
+private:
+    static HRESULT Status() { return Host().Fails() ? E_FAIL : S_OK; }
+    static HRESULT Give(const wchar_t* text, BSTR* out) {
+        *out = nullptr;
+        if (Host().Fails()) return E_FAIL;
+        *out = SysAllocString(text);
+        return S_OK;
+    }
+};
 
 // Whichever call of the settings or of the units fails: all or nothing, and End follows Begin.
 TEST_F(ConfigExports, AFailingHostCallLeavesNothingHalfDone) {
     KeepPages();
     m_units.reset();
-    const FakeUnitsClass units(Host().createSettingsNode);
+    const FakeClass units(
+        host::kClsidMeasureUnits, [] { return static_cast<IUnknown*>(new FailingUnits); }, Host().createSettingsNode);
     const std::wstring host = m_tree->Dump();
     std::vector<RECT> changed = kInvoice;
     changed.push_back({525, 742, 1575, 2227});

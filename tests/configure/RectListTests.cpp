@@ -6,7 +6,6 @@
 
 #include "configure/RectListCells.h"
 #include "configure/RectListRules.h"
-#include "host/Lengths.h"
 
 namespace {
 
@@ -50,8 +49,8 @@ std::optional<rectlist::CellEdit> Type(const PageRect& rect, Column column, cons
 
 TEST(Cells, ReadsPlainNumbersOnly) {
     const std::pair<const wchar_t*, double> numbers[] = {
-        {L"", 0.0},       {L" 12", 12.0}, {L"\r\n 12.5", 12.5}, {L"\t-3.", -3.0},        {L".5", 0.5},
-        {L"1e3", 1000.0}, {L"+4", 4.0},   {L"-1E9", -1e9},      {L"\u00a0\u30007", 7.0}, {L"1e-999", 0.0},
+        {L"", 0.0},       {L"  ", 0.0}, {L" 12", 12.0},  {L"12.5 \r\n", 12.5},    {L"\t-3.", -3.0}, {L".5", 0.5},
+        {L"1e3", 1000.0}, {L"+4", 4.0}, {L"-1E9", -1e9}, {L"\u00a07\u00a0", 7.0}, {L"1e-999", 0.0},
     };
     for (const auto& [text, value] : numbers) {
         const auto number = rectlist::ReadCell(text);
@@ -61,7 +60,7 @@ TEST(Cells, ReadsPlainNumbersOnly) {
     EXPECT_TRUE(std::isinf(rectlist::ReadCell(L"1e999").value()));
     const std::wstring longText(100000, L'a');
     for (const wchar_t* text : {L"12a", L"1,5", L"1.000,5", L"inf", L"-inf", L"nan", L"0x10", L"1 2", L"-", L".", L"1e",
-                                L"12\n13", L"+-4", L"\u0661", L" ", L"12 ", L"12\r\n", L"7\u00a0", longText.c_str()}) {
+                                L"12\n13", L"+-4", L"\u0661", longText.c_str()}) {
         EXPECT_FALSE(rectlist::ReadCell(text)) << testing::PrintToString(text);
     }
 }
@@ -108,7 +107,7 @@ TEST(Cells, OtherLengthsStayAsTheyWere) {
         {31, 62, 1001, 2003}, {0, 0, 0, 0}, {-70, -9, 55, 7}, {7, 7, 2147483647, 2147483647}, {1573, 1, 1, 1573}};
     for (const auto& units : unitsUsed) {
         for (const PageRect& rect : rects) {
-            const PageRect normal = host::Normalized(rect);
+            const PageRect normal = rectlist::Normalise(rect);
             const int64_t width = int64_t{normal.right} - normal.left;
             const int64_t height = int64_t{normal.bottom} - normal.top;
             const auto offset = Type(rect, rectlist::kXOffset, L"1", units);
@@ -212,15 +211,13 @@ TEST(Rules, AFieldStandsOnOneRow) {
 }
 
 TEST(Rules, ScaleCommands) {
-    const auto zoom = [](int64_t command) {
-        const auto set = rectlist::GetZoom(command).value();
-        return std::pair(set.mode, set.percent);
-    };
-    EXPECT_EQ(zoom(27786), std::pair(int32_t{kFoliumZoomPercent}, 20));
-    EXPECT_EQ(zoom(27791), std::pair(int32_t{kFoliumZoomPercent}, 150));
-    EXPECT_EQ(zoom(27793), std::pair(int32_t{kFoliumZoomWholePage}, 0));
-    EXPECT_EQ(zoom(27794), std::pair(int32_t{kFoliumZoomPageHeight}, 0));
-    EXPECT_EQ(zoom(27795), std::pair(int32_t{kFoliumZoomPageWidth}, 0));
+    using rectlist::Zoom;
+    using rectlist::ZoomMode;
+    EXPECT_EQ(rectlist::GetZoom(27786), (Zoom{ZoomMode::kPercent, 20}));
+    EXPECT_EQ(rectlist::GetZoom(27791), (Zoom{ZoomMode::kPercent, 150}));
+    EXPECT_EQ(rectlist::GetZoom(27793), (Zoom{ZoomMode::kWholePage, 0}));
+    EXPECT_EQ(rectlist::GetZoom(27794), (Zoom{ZoomMode::kPageHeight, 0}));
+    EXPECT_EQ(rectlist::GetZoom(27795), (Zoom{ZoomMode::kPageWidth, 0}));
     for (const int64_t stored : {int64_t{-1}, int64_t{0}, int64_t{27785}, int64_t{27796}, INT64_MAX, INT64_MIN}) {
         EXPECT_EQ(rectlist::GetStartScaleCommand(stored), 27793U) << stored;
     }

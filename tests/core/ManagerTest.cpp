@@ -78,12 +78,17 @@ TEST_F(ManagerTest, LooksUpByIdentifierAndPositionAfterRemovals) {
 TEST_F(ManagerTest, CopiesRenamesAndUpdates) {
     CAreaSet* set = m_manager.GetAreaSet(m_manager.AddSet(L"A", 0));
     set->AddRect({1, 2, 3, 4}, L"Field");
+    set->AddRect({5, 6, 7, 8});
+    set->SetFlags(kAreasIgnored);
+    set->SetDisplayRect({0, 0, 21, 29});
     const uint32_t copy = m_manager.CopySet(1);
     EXPECT_EQ(copy, 2u);
     EXPECT_EQ(m_manager.CopySet(77), 0u);
     const CAreaSet* copied = m_manager.GetAreaSet(copy);
     EXPECT_EQ(copied->GetName(), L"A");
-    EXPECT_EQ(copied->GetRectCount(), 1);
+    EXPECT_EQ(copied->GetFlags(), kAreasIgnored);
+    EXPECT_EQ(copied->GetDisplayRect(), (PageRect{0, 0, 21, 29}));
+    EXPECT_EQ(copied->GetRectCount(), 2);
 
     m_manager.SetAreaSetName(2, L"B");
     EXPECT_EQ(copied->GetName(), L"B");

@@ -3,13 +3,16 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <cstdint>
+#include <cstring>
+#include <fstream>
+#include <string>
+#include <vector>
 
 #include "host/PageImage.h"
 #include "refhost/com/ClassRegistration.h"
 #include "refhost/documents/PixelAccess.h"
 #include "refhost/imaging/HostImaging.h"
-#include "support/Files.h"
 
 #include <comdef.h>
 
@@ -25,12 +28,15 @@ _COM_SMARTPTR_TYPEDEF(IUnknown, __uuidof(IUnknown));
 
 namespace {
 
-namespace fs = std::filesystem;
-using test::Bytes;
-using test::ReadBytes;
+using Bytes = std::vector<uint8_t>;
 
-const fs::path kFaxPages = fs::path(SAMPLES_DIR) / "fax-pages.tif";
-const fs::path kData = TEST_DATA_DIR;
+const std::wstring kSamples = SAMPLES_DIR;
+const std::wstring kData = TEST_DATA_DIR;
+
+Bytes ReadTestFile(const std::wstring& path) {
+    std::ifstream file(path.c_str(), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 class HostDocuments : public testing::Test {
 protected:
@@ -38,6 +44,10 @@ protected:
         CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
         m_class = std::make_unique<com::ClassRegistration>(L"HostDocuments.dll",
                                                            std::initializer_list<CLSID>{host::kClsidPageImage});
+        wchar_t folder[MAX_PATH];
+        GetTempPathW(MAX_PATH, folder);
+        m_folder = std::wstring(folder) + L"documents-test-" + std::to_wstring(GetCurrentProcessId());
+        CreateDirectoryW(m_folder.c_str(), nullptr);
         HostDocumentsSetReporter(
             [](void* context, const wchar_t* text) {
                 static_cast<HostDocuments*>(context)->m_reports.emplace_back(text);
@@ -49,20 +59,28 @@ protected:
         HostDocumentsSetResolution(0, 0);
         EXPECT_TRUE(m_class->Idle()) << "objects left";
         m_class.reset();
+        for (const std::wstring& path : m_written) DeleteFileW(path.c_str());
+        RemoveDirectoryW(m_folder.c_str());
         CoUninitialize();
     }
 
-    fs::path Write(const char* name, const Bytes& bytes) {
-        const fs::path path = m_folder / name;
-        test::WriteAll(path, bytes);
+    std::wstring Write(const std::wstring& name, const Bytes& bytes) {
+        const std::wstring path = m_folder + L"\\" + name;
+        std::ofstream(path.c_str(), std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
         // The clock of a file system may be coarse.
-        fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::hours(++m_writes));
+        const HANDLE file = CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, 7, nullptr, OPEN_EXISTING, 0, nullptr);
+        FILETIME time = {static_cast<DWORD>(10000000 * ++m_writes), 30000000};
+        SetFileTime(file, nullptr, nullptr, &time);
+        CloseHandle(file);
+        m_written.push_back(path);
         return path;
     }
+    std::wstring Write(const std::wstring& name) { return Write(name, ReadTestFile(kData + L"/" + name)); }
 
-    IQuirePtr Open(const std::vector<fs::path>& paths, HRESULT expected = S_OK) {
+    IQuirePtr Open(const std::vector<std::wstring>& paths, HRESULT expected = S_OK) {
         std::vector<const wchar_t*> texts;
-        for (const fs::path& path : paths) texts.push_back(path.c_str());
+        for (const std::wstring& path : paths) texts.push_back(path.c_str());
         IQuirePtr quire;
         EXPECT_EQ(HostOpenDocuments(texts.data(), static_cast<UINT>(texts.size()), &quire), expected);
         return quire;
@@ -72,10 +90,9 @@ protected:
         EXPECT_EQ(quire->GetItem(index, &document), S_OK);
         return document;
     }
-    template <class List>
-    static LONG Count(const List& list) {
+    static LONG Pages(IQuireDocument* document) {
         LONG count = -1;
-        EXPECT_EQ(list->GetCount(&count), S_OK);
+        EXPECT_EQ(document->GetCount(&count), S_OK);
         return count;
     }
     // The encoded image of a page, on the way that the library takes; empty for a null page.
@@ -119,8 +136,8 @@ protected:
     }
 
     std::unique_ptr<com::ClassRegistration> m_class;
-    const test::TempFolder m_temp;
-    const fs::path& m_folder = m_temp.path;
+    std::wstring m_folder;
+    std::vector<std::wstring> m_written;
     int m_writes = 0;
     std::vector<std::wstring> m_reports;
 };
@@ -131,19 +148,21 @@ bool IsInk(const PagePixels& pixels, uint32_t x, uint32_t y) {
 }
 
 TEST_F(HostDocuments, FilesAndFoldersBecomeDocuments) {
-    Write("grey.jpg", ReadBytes(kData / "grey.jpg"));
-    Write("page 10.tif", ReadBytes(kFaxPages));
-    Write("page 9.png", ReadBytes(kData / "palette16.png"));
-    Write("notes.txt", {1, 2, 3});
-    const IQuirePtr quire = Open({m_folder, kFaxPages, m_folder / "grey.jpg"});
-    ASSERT_EQ(Count(quire), 3);
+    Write(L"grey.jpg");
+    Write(L"page 10.tif", ReadTestFile(kSamples + L"/fax-pages.tif"));
+    Write(L"page 9.png", ReadTestFile(kData + L"/palette16.png"));
+    Write(L"notes.txt", {1, 2, 3});
+    const IQuirePtr quire = Open({m_folder, kSamples + L"/fax-pages.tif", m_folder + L"\\grey.jpg"});
+    LONG count = 0;
+    ASSERT_EQ(quire->GetCount(&count), S_OK);
+    ASSERT_EQ(count, 3);
     const IQuireDocumentPtr folder = DocumentAt(quire, 0);
-    EXPECT_EQ(Count(folder), 5);
-    EXPECT_EQ(Count(DocumentAt(quire, 1)), 3);
-    EXPECT_EQ(Count(DocumentAt(quire, 2)), 1);
+    EXPECT_EQ(Pages(folder), 5);
+    EXPECT_EQ(Pages(DocumentAt(quire, 1)), 3);
+    EXPECT_EQ(Pages(DocumentAt(quire, 2)), 1);
     // A file of one page gives its own bytes.
-    EXPECT_EQ(PageBytes(folder, 0), ReadBytes(kData / "grey.jpg"));
-    EXPECT_EQ(PageBytes(folder, 1), ReadBytes(kData / "palette16.png"));
+    EXPECT_EQ(PageBytes(folder, 0), ReadTestFile(kData + L"/grey.jpg"));
+    EXPECT_EQ(PageBytes(folder, 1), ReadTestFile(kData + L"/palette16.png"));
     // Page n of the sample has n + 1 bars.
     for (LONG page = 0; page < 3; ++page) {
         const IImageLoaderPtr image = MakeImage();
@@ -159,7 +178,7 @@ TEST_F(HostDocuments, FilesAndFoldersBecomeDocuments) {
 }
 
 TEST_F(HostDocuments, PositionsOutsideGiveNull) {
-    const IQuirePtr quire = Open({kFaxPages});
+    const IQuirePtr quire = Open({kSamples + L"/fax-pages.tif"});
     for (const LONG index : {-1L, 1L, 0x7FFFFFFFL}) EXPECT_EQ(DocumentAt(quire, index), nullptr);
     const IQuireDocumentPtr document = DocumentAt(quire, 0);
     for (const LONG index : {-1L, 3L, 0x7FFFFFFFL}) EXPECT_TRUE(PageBytes(document, index).empty());
@@ -169,13 +188,13 @@ TEST_F(HostDocuments, PositionsOutsideGiveNull) {
 }
 
 TEST_F(HostDocuments, UnreadableFilesAreNullPagesAmongOthers) {
-    Write("1.png", ReadBytes(kData / "palette16.png"));
-    Write("2.tif", {});
-    Write("3.png", {'n', 'o', ' ', 'i', 'm', 'a', 'g', 'e'});
-    Write("4.png", ReadBytes(kData / "palette16.png"));
+    Write(L"1.png", ReadTestFile(kData + L"/palette16.png"));
+    Write(L"2.tif", {});
+    Write(L"3.png", {'n', 'o', ' ', 'i', 'm', 'a', 'g', 'e'});
+    Write(L"4.png", ReadTestFile(kData + L"/palette16.png"));
     const IQuirePtr quire = Open({m_folder});
     const IQuireDocumentPtr document = DocumentAt(quire, 0);
-    ASSERT_EQ(Count(document), 4);
+    ASSERT_EQ(Pages(document), 4);
     EXPECT_FALSE(PageBytes(document, 0).empty());
     EXPECT_TRUE(PageBytes(document, 1).empty());
     EXPECT_TRUE(PageBytes(document, 1).empty());
@@ -188,61 +207,63 @@ TEST_F(HostDocuments, UnreadableFilesAreNullPagesAmongOthers) {
 }
 
 TEST_F(HostDocuments, MissingPathsAndEmptyFolders) {
-    EXPECT_EQ(Open({m_folder / "none.tif"}, HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)), nullptr);
+    EXPECT_EQ(Open({m_folder + L"\\none.tif"}, HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)), nullptr);
     EXPECT_NE(std::wstring(HostDocumentsErrorText()).find(L"none.tif: there is no such file"), std::wstring::npos);
-    const IQuirePtr quire = Open({m_folder / "none.tif", m_folder}, S_FALSE);
-    EXPECT_EQ(Count(quire), 1);
-    EXPECT_EQ(Count(DocumentAt(quire, 0)), 0);
+    const IQuirePtr quire = Open({m_folder + L"\\none.tif", m_folder}, S_FALSE);
+    LONG count = 0;
+    quire->GetCount(&count);
+    EXPECT_EQ(count, 1);
+    EXPECT_EQ(Pages(DocumentAt(quire, 0)), 0);
     EXPECT_NE(m_reports.back().find(L"holds no pages"), std::wstring::npos);
     EXPECT_EQ(HostOpenDocuments(nullptr, 1, nullptr), E_POINTER);
 }
 
 TEST_F(HostDocuments, FilesChangeAndVanishWhileShown) {
-    const fs::path path = Write("doc.tif", ReadBytes(kFaxPages));
+    const std::wstring path = Write(L"doc.tif", ReadTestFile(kSamples + L"/fax-pages.tif"));
     const IQuirePtr quire = Open({path});
     const IQuireDocumentPtr document = DocumentAt(quire, 0);
-    ASSERT_EQ(Count(document), 3);
+    ASSERT_EQ(Pages(document), 3);
     IQuirePagePtr shown;
     ASSERT_EQ(document->GetItem(1, &shown), S_OK);
     const Bytes before = BytesOf(shown);
 
     // Fewer pages now.
-    const Bytes other = ReadBytes(kData / "bits-g4.tif");
-    Write("doc.tif", other);
+    const Bytes other = ReadTestFile(kData + L"/bits-g4.tif");
+    Write(L"doc.tif", other);
     EXPECT_EQ(BytesOf(shown), before) << "a page that was handed out stays";
     EXPECT_TRUE(PageBytes(document, 1).empty());
-    EXPECT_EQ(Count(document), 1);
+    EXPECT_EQ(Pages(document), 1);
     EXPECT_EQ(PageBytes(document, 0), other);
 
     // Gone: positions stay, pages are null, and it is told.
-    fs::remove(path);
-    EXPECT_EQ(Count(document), 1);
+    DeleteFileW(path.c_str());
+    EXPECT_EQ(Pages(document), 1);
     EXPECT_TRUE(PageBytes(document, 0).empty());
     ASSERT_FALSE(m_reports.empty());
     EXPECT_NE(m_reports.back().find(L"doc.tif"), std::wstring::npos);
     EXPECT_EQ(BytesOf(shown), before);
 
     // Back again.
-    Write("doc.tif", ReadBytes(kFaxPages));
-    EXPECT_EQ(Count(document), 3);
+    Write(L"doc.tif", ReadTestFile(kSamples + L"/fax-pages.tif"));
+    EXPECT_EQ(Pages(document), 3);
     EXPECT_EQ(PageBytes(document, 1), before);
 }
 
 TEST_F(HostDocuments, SizeComesFromTheImagesOwnResolution) {
     struct Case {
-        fs::path path;
+        std::wstring path;
         double dpiX, dpiY;  // override
         LONG width, height;
     };
-    const Case cases[] = {{kFaxPages, 0, 0, 2152, 1426},  // 204 x 196
-                          {kFaxPages, 0, 98, 2152, 2851},
-                          {kData / "no-resolution.png", 0, 0, 77, 60},     // taken as 200
-                          {kData / "grey-packbits-cm.tif", 0, 0, 52, 40},  // 300
-                          {kData / "rgb.jpg", 9600, 9600, 2, 1}};
+    const Case cases[] = {{kSamples + L"/fax-pages.tif", 0, 0, 2152, 1426},  // 204 x 196
+                          {kSamples + L"/fax-pages.tif", 0, 98, 2152, 2851},
+                          {kData + L"/no-resolution.png", 0, 0, 77, 60},     // taken as 200
+                          {kData + L"/grey-packbits-cm.tif", 0, 0, 52, 40},  // 300
+                          {kData + L"/rgb.jpg", 9600, 9600, 2, 1}};
     for (const Case& item : cases) {
         HostDocumentsSetResolution(item.dpiX, item.dpiY);
         const IImageLoaderPtr image = MakeImage();
-        ASSERT_EQ(LoadInto(image, ReadBytes(item.path)), S_OK);
+        ASSERT_EQ(LoadInto(image, ReadTestFile(item.path)), S_OK);
         EXPECT_EQ(SizeOf(image).cx, item.width);
         EXPECT_EQ(SizeOf(image).cy, item.height);
     }
@@ -252,9 +273,9 @@ TEST_F(HostDocuments, BadBytesLeaveThePageBefore) {
     const IImageLoaderPtr image = MakeImage();
     SIZE size = {};
     EXPECT_EQ(IPageImagePtr(image)->GetSize(&size), E_UNEXPECTED) << "no page yet";
-    ASSERT_EQ(LoadInto(image, ReadBytes(kData / "rgb.jpg")), S_OK);
+    ASSERT_EQ(LoadInto(image, ReadTestFile(kData + L"/rgb.jpg")), S_OK);
     const SIZE good = SizeOf(image);
-    Bytes cut = ReadBytes(kData / "palette16.png");
+    Bytes cut = ReadTestFile(kData + L"/palette16.png");
     cut.resize(cut.size() / 2);
     EXPECT_TRUE(FAILED(LoadInto(image, cut)));
     EXPECT_TRUE(FAILED(LoadInto(image, {1, 2, 3})));
@@ -284,6 +305,48 @@ TEST_F(HostDocuments, BlankPages) {
     EXPECT_EQ(PixelsOf(image).width, 200u);
     ASSERT_EQ(image->CreateBlank(1, 1, 9600, 9600, 0), S_OK);
     EXPECT_EQ(SizeOf(image).cx, 1);
+}
+
+// A page of `side` x `side` pixels, 1-bit, as a BMP file: all paper but for its first pixel.
+Bytes SquareBmp(uint32_t side, uint32_t dotsPerMetre) {
+    const uint32_t stride = (side + 31) / 32 * 4;
+    Bytes file(62 + size_t{stride} * side, 0);
+    const auto put = [&](size_t at, uint32_t value) { std::memcpy(file.data() + at, &value, 4); };
+    file[0] = 'B';
+    file[1] = 'M';
+    put(2, static_cast<uint32_t>(file.size()));
+    put(10, 62);
+    put(14, 40);
+    put(18, side);
+    put(22, side);
+    put(26, 1 | 1 << 16);
+    put(34, stride * side);
+    put(38, dotsPerMetre);
+    put(42, dotsPerMetre);
+    put(46, 2);
+    put(54, 0xFFFFFF);
+    file[62 + size_t{stride} * (side - 1)] = 0x80;
+    return file;
+}
+
+TEST_F(HostDocuments, SmallestAndLargestPages) {
+    struct Case {
+        uint32_t side;
+        uint32_t dotsPerMetre;
+        LONG size;
+    };
+    const Case cases[] = {{1, 7874, 1}, {1, 377953, 1}, {30000, 23622, 12700}, {30000, 39, 38100}, {30000, 0, 38100}};
+    for (const Case& item : cases) {
+        const IImageLoaderPtr image = MakeImage();
+        ASSERT_EQ(LoadInto(image, SquareBmp(item.side, item.dotsPerMetre)), S_OK);
+        const PagePixels pixels = PixelsOf(image);
+        EXPECT_EQ(pixels.width, item.side);
+        EXPECT_EQ(SizeOf(image).cx, item.size) << item.side << " at " << item.dotsPerMetre;
+        EXPECT_TRUE(IsInk(pixels, 0, 0));
+        if (item.side > 1) {
+            EXPECT_FALSE(IsInk(pixels, item.side - 1, item.side - 1));
+        }
+    }
 }
 
 }  // namespace

@@ -13,9 +13,6 @@ using FakeTraceSink = void (*)(void* context, int severity, HINSTANCE instance, 
 using FakeBoxSink = void (*)(void* context, HWND parent, const wchar_t* text, UINT style, HINSTANCE instance);
 using FakeSetSinksFunction = void (*)(void* context, FakeTraceSink traceSink, FakeBoxSink boxSink);
 
-// HostLanguage.dll: how often the module has asked for its resources.
-using FakeLanguageAskedFunction = int (*)();
-
 // HostImaging.dll.
 struct FakeImaging {
     int maskResult = 1;

@@ -19,7 +19,7 @@ public:
         view.SetPage({254, 254});
         view.SetWindow(kSide, kSide, 17, 17);
         view.SetDpi(254);
-        view.SetZoom(kFoliumZoomPercent, 100);
+        view.SetZoom(ZoomMode::Percent, 100);
         tiles.SetSource(PageSource{300, 300, 24, nullptr, m_row.data(), 0});
         editor.SetPage(view.Page());
         editor.SetMode(true, true);

@@ -153,9 +153,16 @@ def edits(src, work, long):
     base = {name: (data, want, limits) for name, data, want, limits in bases(src, work, 61, 47)}
     resolutions = {"inch": (2, 300, 300), "cm": (3, 80, 80), "none": (1, 4, 3), "axes": (2, 204, 98), "odd": (2, 0, 150)}
     one = ["-s", "-r", "9999"]
-    table = [("rows-larger", "g8", ["-c", "lzw"] + one, lambda t: t.set(tiff.ROWS, 4, 0xFFFFFFFF)),
+    table = [("rows-left-out", "b1", ["-c", "g4"] + one, lambda t: t.drop(tiff.ROWS)),
+             ("rows-larger", "g8", ["-c", "lzw"] + one, lambda t: t.set(tiff.ROWS, 4, 0xFFFFFFFF)),
              ("rows-larger-short", "rgb8", ["-c", "zip"] + one, lambda t: t.set(tiff.ROWS, 3, 4711)),
+             ("counts-left-out", "g8", ["-c", "none"] + one, lambda t: t.drop(tiff.COUNTS)),
+             ("counts-zero", "rgb8", ["-c", "none"] + one, lambda t: setattr(t.pages[0], "counts", [0])),
+             ("one-bits-value", "rgb8", ["-c", "lzw"], lambda t: t.set(tiff.BITS, 3, 8)),
+             ("one-bits-value-16", "rgb16", ["-c", "zip", "-B"], lambda t: t.set(tiff.BITS, 3, 16)),
+             ("old-deflate", "g8", ["-c", "zip", "-r", "8"], lambda t: t.set(tiff.COMPRESSION, 3, 32946)),
              ("old-deflate-predictor", "rgb16", ["-c", "zip:2", "-r", "8"], lambda t: t.set(tiff.COMPRESSION, 3, 32946)),
+             ("samples-left-out", "b1", ["-c", "packbits"], lambda t: t.drop(tiff.SAMPLES, tiff.PLANAR, tiff.ORIENTATION)),
              ("bits-left-out", "b1", ["-c", "none"], lambda t: t.drop(tiff.BITS, tiff.COMPRESSION)),
              ("trailing-bytes", "g8", ["-c", "packbits"], lambda t: setattr(t, "tail", bytes(range(256)) * 3)),
              ("no-end-of-block", "b1", ["-c", "g4", "-r", "8"], lambda t: edit_pieces(t, without_end_of_block)),
@@ -202,17 +209,44 @@ def wrapped(array, compression, strips, tags):
 def other_tiffs(src, work, long):
     for w, h in [(61, 47), (17, 99), (1, 1), (2049, 21)][:4 if long else 1]:
         white, g, c = src.arrays(w, h)
-        for code in ("Fax", "Group4", "RLE", "LZW", "Zip", "JPEG"):
-            fax = code in ("Fax", "Group4")
-            data = run(CONVERT, "-density", "204x196", "-units", "PixelsPerInch", "-[0]", "-compress", code, "tif:-",
-                       stdin=pbm(white) if fax else pnm(c))
-            want = grey3(white * 255) if fax else c if code != "JPEG" else None
-            yield Sample(f"magick-{'b1' if fax else 'rgb8'}.{code}.{w}x{h}.tif", data, want, SPREAD if code == "JPEG" else EXACT)
+        images = {"b1": Image.fromarray(white), "g8": Image.fromarray(g), "rgb8": Image.fromarray(c),
+                  "p8": Image.fromarray(c).quantize(200), "cmyk8": Image.fromarray(c).convert("CMYK"),
+                  "rgba8": Image.fromarray(np.dstack((c, g)))}
+        codes = {"b1": ("raw", "tiff_ccitt", "group3", "group4", "tiff_raw_16", "packbits", "tiff_deflate"),
+                 "g8": ("tiff_lzw", "tiff_deflate", "tiff_adobe_deflate", "jpeg"), "rgb8": ("raw", "tiff_deflate", "jpeg")}
+        for name, image in images.items():
+            for code, tags in itertools.product(codes.get(name, ("tiff_lzw", "packbits")), ({}, {317: 2})):
+                if 317 in tags and ("lzw" not in code and "deflate" not in code or name in ("b1", "p8")):
+                    continue
+                out = io.BytesIO()
+                image.save(out, "TIFF", compression=code, tiffinfo=tags, dpi=(204, 196))
+                label = code + "".join(f"-{tag}" for tag in tags)
+                yield Sample(f"pillow-{name}.{label}.{w}x{h}.tif", out.getvalue(), grey3(white * 255) if name == "b1" else None, limits=SPREAD if code == "jpeg" else DEEP
+                             if name in ("cmyk8", "rgba8") else EXACT, refs=("tiff2rgba",) if name != "cmyk8" else ("convert", "tiff2rgba"))
+        for name, array, options in [
+                (name, array, [*options, "-compress", code])
+                for name, array, codes in (("b1", white, ("Fax", "Group4", "RLE", "LZW")), ("g8", g, ("LZW", "Zip", "JPEG")),
+                                           ("rgb8", c, ("LZW", "Zip", "JPEG", "None", "RLE")))
+                for code in codes
+                for options in (["-endian", "MSB"], ["-endian", "LSB", "-define", "tiff:rows-per-strip=8"],
+                                ["-define", "tiff:tile-geometry=32x16"], ["-interlace", "plane"], ["-depth", "16"], ["-depth", "16", "-interlace", "plane"])
+                if not (code == "JPEG" and ("16" in options or "plane" in options)) and not (name == "b1" and "16" in options)]:
+            source = pbm(array) if name == "b1" else pnm(array)
+            data = run(CONVERT, "-density", "204x196", "-units", "PixelsPerInch", "-[0]", *options, "tif:-", stdin=source)
+            want = None if "JPEG" in options else grey3(array * 255 if name == "b1" else array) if name != "rgb8" else array
+            limits = SPREAD if "JPEG" in options else DEEP
+            yield Sample(f"magick-{name}.{''.join(options).replace('-', '').replace(':', '')}.{w}x{h}.tif", data, want, limits)
+        for options in (["-g3"], ["-g3", "-2d"], ["-g3", "-fill"], ["-g3", "-2d", "-fill"], ["-g4"], ["-lzw"], ["-packbits"],
+                        ["-flate"], ["-g3", "-2d", "-rowsperstrip=8"]):
+            data = run("pamtotiff", "-miniswhite", "-xresolution=204", "-yresolution=196", *options, stdin=pbm(white))
+            yield Sample(f"netpbm-b1.{''.join(options).replace('-', '')}.{w}x{h}.tif", data, grey3(white * 255))
         bits1 = [(tiff.BITS, 3, 1), (tiff.PHOTOMETRIC, 3, 0), (tiff.ROWS, 4, h)]
         for label, options in (("plain", []), ("align8", ["-align8"]), ("reversed", ["-reversebits"])):
             data = run("pbmtog3", "-nofixedwidth", *options, stdin=pbm(white))
             fill = [(tiff.FILL, 3, 2)] if label == "reversed" else []
             yield Sample(f"netpbm-g3stream.{label}.{w}x{h}.tif", wrapped(white, 3, [data], bits1 + fill), grey3(white * 255))
+            with open(work + "/fax.g3", "wb") as file:
+                file.write(data)
         for label, sampling in (("444", "1x1"), ("422", "2x1"), ("420", "2x2"), ("grey", None)):
             whole = run("cjpeg", "-quality", "90", *(["-sample", sampling] if sampling else ["-grayscale"]), stdin=pnm(c))
             tags = [(tiff.BITS, 3, *[8] * (3 if sampling else 1)), (tiff.PHOTOMETRIC, 3, 6 if sampling else 1),

@@ -4,7 +4,8 @@ import struct
 import zlib
 from dataclasses import dataclass
 
-from tiff import Tiff
+import tiff
+from tiff import Tiff, without_end_of_block
 
 
 @dataclass
@@ -47,11 +48,33 @@ def repaired(name, data):
             yield "cut, end marker", data[:2] + struct.pack("<I", len(data)) + data[6:34] + struct.pack("<I", len(data) - start) + data[38:]
 
 
+def spoilt_tiffs(data):
+    jpeg = Tiff(data).get(tiff.COMPRESSION)[0] == 7
+    for what in range(4):
+        file = Tiff(data)
+        page = file.pages[-1]
+        middle = len(page.pieces) // 2
+        piece = page.pieces[middle]
+        if what == 0 and len(piece) > 8:
+            page.pieces[middle] = piece[:len(piece) // 2]
+            yield "piece shortened", file.save(), not jpeg
+        elif what == 1:
+            page.counts = [0 if i == middle else len(p) for i, p in enumerate(page.pieces)]
+            yield "piece of no bytes", file.save(), len(page.pieces) > 1
+        elif what == 2 and len(page.pieces) > 1:
+            del page.pieces[1:]
+            yield "pieces missing", file.save(), True
+        elif what == 3 and file.get(tiff.COMPRESSION, page)[0] == 4 and len(page.pieces[0]) > 40 and file.get(tiff.FILL, page, [1]) == [1]:
+            page.pieces[0] = page.pieces[0][:max(4, len(page.pieces[0]) // 20)] + b"\0\x10\x01" + page.pieces[0][20:]
+            yield "end of block early", file.save(), True
+
+
 def damaged(samples, number):
     dice = random.Random(13)
     variants = []
     for sample in members(samples):
-        data = Tiff(sample.data).save() if sample.name.endswith(".tif") else sample.data
+        is_tiff = sample.name.endswith(".tif")
+        data = Tiff(sample.data).save() if is_tiff else sample.data
         add = lambda how, data, lost: variants.append(Variant(sample.name, how, sample.name, bytes(data), lost))
         add("whole", data, False)
         for i in range(number):
@@ -59,6 +82,9 @@ def damaged(samples, number):
             add("cut", cut, True)
             for how, mended in repaired(sample.name, cut):
                 add(how, mended, not sample.name.endswith(".jpg"))
+        if is_tiff:
+            for how, spoilt, lost in spoilt_tiffs(data):
+                add(how, spoilt, lost)
         for i in range(2 * number):
             changed = bytearray(data)
             for _ in range(1 + i % 3):

@@ -7,7 +7,8 @@ import numpy as np
 from PIL import Image
 
 import tiff
-from corpus import CONVERT, DEEP, EXACT, JPEG, SPREAD, Sample, bases, grey3, on_paper, pbm, pnm, raw_tiff, run, tiffcp
+from corpus import CONVERT, DEEP, EXACT, JPEG, SPREAD, Sample, bases, grey3, on_paper, pbm, pnm, raw_tiff, run, tiffcp, wrapped
+from tiff import Tiff
 
 PNG_REFS, JPEG_REFS, BMP_REFS = ("pillow", "pngtopam", "convert"), ("pillow", "djpeg"), ("pillow", "bmptopnm", "convert")
 
@@ -55,6 +56,9 @@ def jpegs(src):
                 limits = JPEG if label in ("grey", "444", "rgb") else SPREAD
                 yield Sample(f"jpeg-cjpeg.{label}{''.join(more)}.{w}x{h}.jpg", run("cjpeg", "-quality", "90", *options, *more, stdin=pnm(c)),
                              limits=limits, refs=JPEG_REFS)
+        for density, unit in (("300x150", "PixelsPerInch"), ("80x80", "PixelsPerCentimeter"), ("1x1", "Undefined")):
+            yield Sample(f"jpeg-magick.{density}.{w}x{h}.jpg", run(CONVERT, "-density", density, "-units", unit, "-", "-sampling-factor", "1x1",
+                         "jpg:-", stdin=pnm(c)), limits=JPEG, refs=JPEG_REFS)
         cmyk = Image.fromarray(c).convert("CMYK")
         for label, options in (("", {}), ("-progressive", {"progressive": True})):
             out = io.BytesIO()
@@ -84,6 +88,37 @@ def gifs(src):
             image.save(clear, "GIF", interlace=lace, transparency=1)
             want = np.where(np.asarray(image)[..., None] == 1, 255, few).astype(np.uint8)
             yield Sample(f"gif-pillow.{n}-clear-{lace}.{w}x{h}.png", clear.getvalue(), want, EXACT, refs[:1])
+            if n <= 16:
+                data = run(CONVERT, "-", "-interlace", ("none", "GIF")[lace], "gif:-", stdin=pnm(few))
+                yield Sample(f"gif-magick.{n}-{lace}.{w}x{h}.png", data, few if n == 2 else None, EXACT, refs)  # it merges colours that are alike
+
+
+def rle4(indices):
+    """Rows from the bottom up: runs of one colour, and every other row as it is."""
+    out = b""
+    for y, row in enumerate(indices[::-1]):
+        for at in range(0, len(row), 30):
+            part = list(row[at:at + 30])
+            if y % 2 or len(part) < 3:
+                out += b"".join(bytes([1, value << 4]) for value in part)
+            else:
+                both = part + [0] * (-len(part) % 4)
+                out += bytes([0, len(part)]) + bytes(a << 4 | b for a, b in zip(both[::2], both[1::2]))
+        out += b"\0\0"
+    return out + b"\0\1"
+
+
+def top_down(data):
+    start, = struct.unpack("<I", data[10:14])
+    height, = struct.unpack("<i", data[22:26])
+    stride = (len(data) - start) // height
+    rows = [data[start + y * stride:start + (y + 1) * stride] for y in range(height)]
+    return data[:22] + struct.pack("<i", -height) + data[26:start] + b"".join(rows[::-1])
+
+
+def with_bitmap_data(data, compression, body):
+    start, = struct.unpack("<I", data[10:14])
+    return data[:2] + struct.pack("<I", start + len(body)) + data[6:30] + struct.pack("<II", compression, len(body)) + data[38:start] + body
 
 
 def bmps(src):
@@ -94,6 +129,12 @@ def bmps(src):
             for system in ("-windows", "-os2"):
                 data = run("ppmtobmp", system, f"-bpp={bits}", stdin=pnm(few))
                 yield Sample(f"bmp-netpbm.{bits}{system}.{w}x{h}.bmp", data, few, EXACT, BMP_REFS)
+                if system == "-windows":
+                    yield Sample(f"bmp-netpbm.{bits}-topdown.{w}x{h}.bmp", top_down(data), few, EXACT, BMP_REFS)
+        for label, image in (("1", Image.fromarray(white)), ("L", Image.fromarray(g)), ("RGB", Image.fromarray(c))):
+            out = io.BytesIO()
+            image.save(out, "BMP", dpi=(203.2, 101.6))
+            yield Sample(f"bmp-pillow.{label}.{w}x{h}.bmp", out.getvalue(), np.asarray(image.convert("RGB")), EXACT, BMP_REFS[1:])
         few = np.asarray(Image.fromarray(c).quantize(16).convert("RGB"))
         raw = np.dstack((c, np.full((h, w), 255, np.uint8))).tobytes()
         magick = lambda *args: run(CONVERT, *args, stdin=raw if "rgba:-" in args else pnm(few))
@@ -103,10 +144,25 @@ def bmps(src):
             yield Sample(f"bmp-magick.{subtype}.{w}x{h}.bmp", magick(*rgba, "-alpha", "off", "-define", f"bmp:subtype={subtype}", "bmp:-"),
                          limits=DEEP, refs=("pillow", "convert"))
         yield Sample(f"bmp-magick.32.{w}x{h}.bmp", magick(*rgba, "-define", "bmp3:alpha=true", "bmp3:-"), c, EXACT, ("pillow", "convert"))
+        out = io.BytesIO()
+        paletted = Image.fromarray(few).quantize(16)
+        whole = run("ppmtobmp", "-windows", "-bpp=4", stdin=pnm(few))
+        start, = struct.unpack("<I", whole[10:14])
+        colours = np.frombuffer(whole[54:start], np.uint8).reshape(-1, 4)[:, 2::-1]
+        indices = (few[:, :, None, :] == colours[None, None]).all(3).argmax(2)
+        yield Sample(f"bmp-rle4.16.{w}x{h}.bmp", with_bitmap_data(whole, 2, rle4(indices)), few, EXACT, ("pillow", "convert"))
 
 
 def refused(src, work):
-    _, g, _ = src.arrays(61, 47)
-    base = {name: data for name, data, _, _ in bases(src, work, 61, 47)}
+    white, g, c = src.arrays(61, 47)
+    bits1 = [(tiff.BITS, 3, 1), (tiff.PHOTOMETRIC, 3, 0), (tiff.ROWS, 4, 47)]
+    extension = int("1" + "0000001111" * 60, 2).to_bytes(76, "big")[1:]  # into uncompressed mode, at once
+    yield "tiff-uncompressed-mode.g4.tif", wrapped(white, 4, [extension], bits1)
+    yield "tiff-uncompressed-mode.g3.tif", wrapped(white, 3, [b"\0\x10" + extension], bits1 + [(292, 4, 3)])
     yield "tiff-float.tif", raw_tiff(work, (g / 255.0).astype(np.float32)[..., None], "minisblack")
+    base = {name: data for name, data, _, _ in bases(src, work, 61, 47)}
+    yield "tiff-lzma.tif", tiffcp(work, base["g8"], ["-c", "lzma"])
     yield "tiff-zstd.tif", tiffcp(work, base["g8"], ["-c", "zstd"])
+    whole = run("ppmtobmp", "-windows", "-bpp=24", stdin=pnm(c))
+    for number, body in ((4, run("cjpeg", stdin=pnm(c))), (5, run("pnmtopng", stdin=pnm(c)))):
+        yield f"bmp-embedded-{number}.bmp", with_bitmap_data(whole[:28] + b"\0\0" + whole[30:], number, body)

@@ -9,7 +9,7 @@ STRIPS, ROWS, COUNTS, X_RES, Y_RES, PLANAR, UNIT, TILES, TILE_COUNTS, TABLES = 2
 
 class Page:
     def __init__(self):
-        self.tags, self.pieces = {}, []
+        self.tags, self.pieces, self.counts = {}, [], None
 
     def tiled(self):
         return TILES in self.tags
@@ -64,7 +64,7 @@ class Tiff:
             offsets = TILES if page.tiled() else STRIPS
             self.set(offsets, 4, *[0] * len(page.pieces), page=page)
             if (TILE_COUNTS if page.tiled() else COUNTS) in page.tags:
-                counts = map(len, page.pieces)
+                counts = page.counts or [len(piece) for piece in page.pieces]
                 self.set(TILE_COUNTS if page.tiled() else COUNTS, 4, *counts, page=page)
             at += 6 + 12 * len(page.tags) + sum(len(raw) + 1 & ~1 for _, _, raw in page.tags.values() if len(raw) > 4)
         for page in self.pages:

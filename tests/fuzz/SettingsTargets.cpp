@@ -6,16 +6,17 @@
 #include <vector>
 
 #include "fuzz/Targets.h"
+#include "refhost/app/ImportPlan.h"
 #include "refhost/settings/StoreError.h"
 #include "refhost/settings/TreeText.h"
 #include "store/AreaSetManager.h"
-#include "store/SettingsNode.h"
-#include "support/TraceRecorder.h"
+#include "store/SettingsKeys.h"
+#include "support/MemoryNode.h"
 
 namespace fuzz {
 namespace {
 
-constexpr uint32_t kLastReadableId = host::kLargestSetKey;
+constexpr uint32_t kLastReadableId = 0x7FFFFFFF;
 
 std::function<SettingsNodePtr()> g_makeRoot;  // the tree that the manager works on
 
@@ -127,6 +128,45 @@ void RequireSameTree(const settings::NodePtr& root) {
     }
 }
 
+void AddValue(test::NodeData& node, uint8_t which, Input& input) {
+    static constexpr const wchar_t* kNames[] = {kKeyBottom, kKeyLeft, kKeyRight, kKeyTop, kKeyFlags};
+    if (which % 6 == 5) {
+        node.strings[kKeyName] = input.Text();
+    } else {
+        const auto high = static_cast<int64_t>(input.Byte() < 8 ? input.Number() : 0) << 32;
+        node.integers[kNames[which % 6]] = high ^ input.Coordinate();
+    }
+}
+
+std::wstring SubNodeName(Input& input) {
+    const uint8_t kind = input.Byte();
+    if (kind < 64) return MakeSetKey(kind);
+    if (kind < 128) return kind % 2 == 0 ? kKeyRect : kKeyDisplayRect;
+    if (kind < 160) return std::to_wstring(kind - 128);
+    return kind < 176 ? MakeSetKey(input.Number()) : input.Text();
+}
+
+// A tree written down as steps: into a sub-node, out of it, set a value.
+std::shared_ptr<test::NodeData> ReadSteps(Input& input) {
+    const auto root = std::make_shared<test::NodeData>();
+    std::vector<std::shared_ptr<test::NodeData>> path = {root};
+    constexpr size_t kDeepest = 20;
+    while (!input.IsEmpty()) {
+        const uint8_t step = input.Byte();
+        if (step < 96) {
+            AddValue(*path.back(), step, input);
+        } else if (step < 176) {
+            const auto child = path.back()->Child(SubNodeName(input));
+            if (path.size() < kDeepest) path.push_back(child);
+        } else if (step < 250) {
+            if (path.size() > 1) path.pop_back();
+        } else {
+            path.back()->claimedExtra = step - 250;
+        }
+    }
+    return root;
+}
+
 }  // namespace
 
 void settings_file(Input input) {
@@ -143,14 +183,36 @@ void settings_file(Input input) {
     if (Manager().WasLastLoadComplete() && Store()) RequireStable(sets);
     RequireSameTree(root);
     Manager().Forget();
-    test::TakeTraces();
+}
+
+void settings_tree(Input input) {
+    test::NodeControl control;
+    control.failAt = input.Byte();
+    control.keepFailing = input.Byte() % 2 == 1;
+    const uint8_t storeFails = input.Byte();
+    const auto root = ReadSteps(input);
+    g_makeRoot = [&]() -> SettingsNodePtr { return std::make_unique<test::MemoryNode>(root, control); };
+    const std::vector<SetCopy> sets = Reload();
+
+    control.failAt = storeFails;
+    control.calls = 0;
+    const bool stored = Store();
+    control.failAt = 0;
+    if (stored) RequireStable(sets);
+    if (!stored) Require(CopySets() == sets, "a store that fails leaves the sets in memory alone");
+    Manager().Forget();
 }
 
 void set_key(Input input) {
     const uint32_t id = input.Number();
-    (void)host::ParseSetKey(input.Text());
-    Require(host::ParseSetKey(host::MakeSetKey(id)) == std::min(id, kLastReadableId),
-            "a key reads back as its identifier");
+    const std::wstring key = input.Text();
+    std::string narrow;
+    for (const wchar_t unit : key) narrow += unit < 0x80 ? static_cast<char>(unit) : '\x80';
+    Require(ParseSetKey(key) == zonhost::IdOfKey(narrow), "module and program read a key alike");
+
+    const std::wstring made = MakeSetKey(id);
+    Require(std::string(made.begin(), made.end()) == zonhost::KeyOfId(id), "module and program write a key alike");
+    Require(ParseSetKey(made) == std::min(id, kLastReadableId), "a key reads back as its identifier");
 }
 
 }  // namespace fuzz

@@ -1,16 +1,14 @@
 #pragma once
-// Images for tests, their pixels as colours whatever the format, and what masking has to make of them.
+// Images for tests, and their pixels as colours whatever the format.
 
 #include <algorithm>
 #include <array>
 #include <memory>
 #include <random>
-#include <span>
 #include <string>
 #include <vector>
 
-#include "refhost/imaging/Image.h"
-#include "refhost/reader/Tiff.h"
+#include "refhost/reader/Bitmap.h"
 
 inline uint32_t ColourAt(const reader::Bitmap& image, uint32_t x, uint32_t y) {
     const uint8_t* row = image.Row(y);
@@ -38,44 +36,4 @@ inline std::shared_ptr<reader::Bitmap> MakeTestImage(uint32_t width, uint32_t he
         for (size_t i = 3; i < image->Size(); i += 4) image->Data()[i] = 0xFF;
     }
     return image;
-}
-
-// The image as a BMP file.
-inline std::vector<uint8_t> BmpOf(const imaging::Image& image) {
-    std::vector<uint8_t> file(image.BmpSize());
-    image.WriteBmp(file.data());
-    return file;
-}
-
-// Whether a stretch of the page has a part of a pixel's: multiplied up, so that nothing is rounded.
-inline bool Touches(int64_t from, int64_t to, uint32_t pixel, double dpi) {
-    const auto scaled = static_cast<int64_t>(dpi * 256);
-    constexpr int64_t kPixel = 254 * 256;
-    if (from > to) std::swap(from, to);
-    return from != to && from * scaled < (int64_t{pixel} + 1) * kPixel && to * scaled > pixel * kPixel;
-}
-
-// How many pixels of a masked copy are not the image's where the areas say so, and paper elsewhere.
-inline uint32_t WrongPixels(const reader::Bitmap& image, bool keep, const std::vector<imaging::Area>& areas,
-                            const reader::Bitmap& masked) {
-    uint32_t wrong = 0;
-    for (uint32_t y = 0; y < image.Height(); ++y) {
-        for (uint32_t x = 0; x < image.Width(); ++x) {
-            const bool inside = std::ranges::any_of(areas, [&](const imaging::Area& area) {
-                return Touches(area.left, area.right, x, image.resolution.x) &&
-                       Touches(area.top, area.bottom, y, image.resolution.y);
-            });
-            wrong += ColourAt(masked, x, y) != (inside == keep ? ColourAt(image, x, y) : PaperColour(image));
-        }
-    }
-    return wrong;
-}
-
-// A file in memory as one that is read in pieces.
-inline reader::ReadAt ReaderOf(std::span<const uint8_t> file) {
-    return [file](uint32_t offset, uint8_t* to, size_t size) {
-        if (offset > file.size() || file.size() - offset < size) return false;
-        std::copy_n(file.data() + offset, size, to);
-        return true;
-    };
 }

@@ -67,8 +67,6 @@ TEST(Cells, OneLineOfAText) {
     EXPECT_EQ(listtable::GetOneLine(L"\r\n\n12"), L"12");
     EXPECT_EQ(listtable::GetOneLine(L"1\t2\u2028x"), L"1 2");
     EXPECT_EQ(listtable::GetOneLine(L"\r\n"), L"");
-    EXPECT_EQ(listtable::GetOneLine(L"\t 12.5\u00a0 "), L"12.5");
-    EXPECT_EQ(listtable::GetOneLine(L"  "), L"");
 }
 
 TEST(Cells, TabGoesThroughTheEditableColumnsAsShown) {

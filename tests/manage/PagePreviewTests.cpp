@@ -61,17 +61,6 @@ TEST_F(PagePreview, PaintsOnlyWhenAskedAndByThenEverything) {
     EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), objects + 2);
 }
 
-// Its corners are the wrong way round: it covers what a page of that width would.
-TEST_F(PagePreview, APageOfNegativeWidthIsDrawnFromItsLeftEdge) {
-    CPagePreviewCtrl preview;
-    ASSERT_TRUE(preview.SubclassControl(kPreviewId, m_parent));
-    preview.SetPageSize({-2100, 2970});
-    preview.RedrawNow();
-    std::wstring row;
-    for (int x = 0; x < 200; ++x) row += PixelAt(x, 120) == GetSysColor(COLOR_WINDOW) ? L'w' : L'f';
-    EXPECT_EQ(row, std::wstring(15, L'f') + std::wstring(169, L'w') + std::wstring(16, L'f'));
-}
-
 TEST_F(PagePreview, AMissingControlIsTraced) {
     CPagePreviewCtrl preview;
     EXPECT_FALSE(preview.SubclassControl(99, m_parent));

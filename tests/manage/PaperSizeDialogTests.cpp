@@ -1,14 +1,12 @@
 // "Select Paper Size" through its real window, with the host's unit object in both measurement systems.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
+#include "host/MeasureUnits.h"
 #include "manage/SAPaperSizeDlg.h"
 #include "refhost/com/ClassRegistration.h"
 #include "refhost/units/HostUnits.h"
 #include "resource.h"
 #include "support/FakeSettings.h"
-#include "support/FakeUnits.h"
 #include "support/TraceRecorder.h"
 #include "win32/DialogDriver.h"
 
@@ -208,13 +206,13 @@ TEST_F(PaperSizeDialog, CancelWritesNothing) {
 
 TEST_F(PaperSizeDialog, ARefusedSizeWritesNothingAndStaysOpen) {
     for (const wchar_t* text : {L"1500.01", L"-1", L"21 cm", L"210,5", L""}) {
-        EXPECT_EQ(Play({[&](HWND dialog) {
-                            Push(dialog, IDC_PAPER_CUSTOM);
-                            SetText(dialog, IDC_PAPER_HEIGHT, text);
-                        },
-                        kOk, test::AnswerBox,
-                        [](HWND dialog) { EXPECT_EQ(GetFocus(), GetDlgItem(dialog, IDC_PAPER_HEIGHT)); }, kCancel}),
-                  IDCANCEL);
+        EXPECT_EQ(
+            Play({[&](HWND dialog) {
+                      Push(dialog, IDC_PAPER_CUSTOM);
+                      SetText(dialog, IDC_PAPER_HEIGHT, text);
+                  },
+                  kOk, [](HWND dialog) { EXPECT_EQ(GetFocus(), GetDlgItem(dialog, IDC_PAPER_HEIGHT)); }, kCancel}),
+            IDCANCEL);
         const auto boxes = test::TakeBoxes();
         ASSERT_EQ(boxes.size(), 1U) << testing::PrintToString(text);
         EXPECT_EQ(boxes[0].text.rfind(L"Height: please enter a number from 0 to 1500.", 0), 0U);
@@ -225,7 +223,7 @@ TEST_F(PaperSizeDialog, ARefusedSizeWritesNothingAndStaysOpen) {
 // Typed in inches, opened in millimetres: too large, in an edit that is disabled.
 TEST_F(PaperSizeDialog, AStoredSizeThatIsRefusedCanBeCorrected) {
     m_tree->integers = {{L"CustomWidth", 1400 * 254}};
-    EXPECT_EQ(Play({kOk, test::AnswerBox,
+    EXPECT_EQ(Play({kOk,
                     [](HWND dialog) {
                         EXPECT_EQ(test::TakeBoxes().size(), 1U);
                         EXPECT_TRUE(Checked(dialog, IDC_PAPER_CUSTOM));
@@ -279,6 +277,37 @@ TEST_F(PaperSizeDialog, Help) {
     EXPECT_EQ(help[1].context, kHelpContext);
 }
 
+// A unit object whose n-th call fails.
+class FailingUnits final : public test::FakeObject<IMeasureUnits> {
+public:
+    HRESULT STDMETHODCALLTYPE Reserved3() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved4() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved5() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved6() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved8() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved10() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved12() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reserved14() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetMeasureSystem(LONG* system) override { return Give(system, kMetric); }
+    HRESULT STDMETHODCALLTYPE ToUserUnits(LONG length, double* value) override { return Give(value, length / 10.0); }
+    HRESULT STDMETHODCALLTYPE FromUserUnits(double value, LONG* length) override {
+        return Give(length, static_cast<LONG>(value * 10.0 + 0.5));
+    }
+    HRESULT STDMETHODCALLTYPE GetUnitName(BSTR* name) override {
+        *name = nullptr;  // an empty name
+        return Host().Fails() ? E_FAIL : S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE FormatValue(LONG, BSTR*) override { return E_NOTIMPL; }
+
+private:
+    template <class Value>
+    static HRESULT Give(Value* out, Value value) {
+        if (Host().Fails()) return E_FAIL;
+        *out = value;
+        return S_OK;
+    }
+};
+
 class FailingUnitsDialog : public testing::Test {
 protected:
     INT_PTR Play(test::Steps steps) {
@@ -293,7 +322,7 @@ protected:
     }
 
     HRESULT m_create = S_OK;
-    test::FakeUnitsClass m_class{m_create};
+    test::FakeClass m_class{host::kClsidMeasureUnits, []() -> IUnknown* { return new FailingUnits; }, m_create};
     std::shared_ptr<test::FakeTree> m_tree = std::make_shared<test::FakeTree>();
 };
 
@@ -325,17 +354,6 @@ TEST_F(FailingUnitsDialog, AFailingConversionWritesNothing) {
               kOk, [](HWND) { EXPECT_EQ(test::TakeBoxes().size(), 1U); }, kCancel});
         EXPECT_TRUE(m_tree->integers.empty() && m_tree->booleans.empty()) << n;
         Host().Reset();
-    }
-}
-
-TEST_F(FailingUnitsDialog, TheMeasurementSystemIsAskedForAStandardSizeAlone) {
-    for (const UINT type : {IDC_PAPER_STANDARD, IDC_PAPER_CUSTOM}) {
-        Play({[type](HWND dialog) {
-                  Push(dialog, type);
-                  test::UnitCalls().clear();
-              },
-              kOk});
-        EXPECT_EQ(std::ranges::count(test::UnitCalls(), L"GetMeasureSystem"), type == IDC_PAPER_STANDARD);
     }
 }
 

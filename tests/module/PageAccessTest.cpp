@@ -85,7 +85,6 @@ TEST_F(PageAccess, CorrectsPositionsAndTellsWhereThePageLies) {
         EXPECT_EQ(page, c.newPage);
         EXPECT_EQ(flags, kForeign | c.flags);
         EXPECT_EQ(m_stack.loaded, c.found ? std::vector<LONG>{3} : std::vector<LONG>{});
-        EXPECT_FALSE(m_stack.arrayOutlivedLoader);
     }
 }
 

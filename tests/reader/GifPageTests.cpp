@@ -1,15 +1,17 @@
 // GIF files of Pillow (still, transparent) and ImageMagick (interlaced, with a table of codes that gets full; two).
+#include <fstream>
+
 #include "imaging/TestImage.h"
 #include "refhost/reader/Page.h"
 #include "support/FakeJpeg.h"
-#include "support/Files.h"
 
 namespace {
 
-using test::Bytes;
+using Bytes = std::vector<uint8_t>;
 
 Bytes Stored(const std::string& name) {
-    return test::ReadBytes(TEST_DATA_DIR "/" + name);
+    std::ifstream file(TEST_DATA_DIR "/" + name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 // What is wrong with the file; nothing when it has `pages` of the colours that the files were made of.

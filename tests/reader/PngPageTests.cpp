@@ -3,10 +3,10 @@
 
 #include <array>
 #include <cstring>
+#include <fstream>
 
 #include "reader/PageFiles.h"
 #include "refhost/reader/Bytes.h"
-#include "support/Files.h"
 
 namespace {
 
@@ -19,7 +19,8 @@ void SetChecksum(Bytes& file, size_t chunk, size_t length) {
 TEST(PngPage, DamagedFiles) {
     for (const char* name : {"alpha.png", "palette16.png", "rgb16.png", "no-resolution.png"}) {
         SCOPED_TRACE(name);
-        const Bytes file = test::ReadBytes(std::string(TEST_DATA_DIR "/") + name);
+        std::ifstream stream(std::string(TEST_DATA_DIR "/") + name, std::ios::binary);
+        const Bytes file(std::istreambuf_iterator<char>(stream), {});
         const auto whole = ReadPage(file);
         ASSERT_NE(whole, nullptr);
         for (size_t chunk = 8, length = 0; chunk < file.size(); chunk += length + 12) {

@@ -1,7 +1,5 @@
 #include "support/FakeDocuments.h"
 
-#include <algorithm>
-
 #include "host/HostIds.h"
 
 namespace test {
@@ -17,14 +15,6 @@ public:
         *bytes = nullptr;
         if (Host().Fails()) return Host().giveNull ? S_OK : E_FAIL;
         *bytes = SafeArrayCreateVector(g_stack->byteType, 0, static_cast<ULONG>(g_stack->byteCount));
-        if (g_stack->byteType != VT_UI1) return S_OK;
-        // Elements of the stack's own, which are 0 when the array has been destroyed.
-        SafeArrayDestroy(*bytes);
-        SafeArrayAllocDescriptorEx(VT_UI1, 1, bytes);
-        (*bytes)->fFeatures |= FADF_STATIC;
-        (*bytes)->rgsabound[0] = {static_cast<ULONG>(g_stack->byteCount), 0};
-        (*bytes)->pvData = g_stack->bytes;
-        std::fill_n(g_stack->bytes, g_stack->byteCount, BYTE{1});
         return S_OK;
     }
 };
@@ -119,10 +109,7 @@ private:
             return m_owner.QueryInterface(iid, object);
         }
         ULONG STDMETHODCALLTYPE AddRef() override { return m_owner.AddRef(); }
-        ULONG STDMETHODCALLTYPE Release() override {
-            g_stack->arrayOutlivedLoader |= g_stack->bytes[0] != 0;
-            return m_owner.Release();
-        }
+        ULONG STDMETHODCALLTYPE Release() override { return m_owner.Release(); }
         HRESULT STDMETHODCALLTYPE LoadFromMemory(const BYTE*, LONG length) override {
             if (Host().Fails()) return E_FAIL;
             g_stack->loaded.push_back(length);

@@ -18,8 +18,6 @@ struct FakeStack {
     HRESULT dataQuery = S_OK;  // what the data object answers when it is asked for IImageData
     HRESULT load = S_OK;       // what LoadFromMemory answers
     std::vector<LONG> loaded;  // lengths that LoadFromMemory got
-    BYTE bytes[4] = {};        // of the last array
-    bool arrayOutlivedLoader = false;
 };
 
 // The stack has one reference for the caller; `stack` has to outlive it.

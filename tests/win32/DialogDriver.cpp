@@ -80,7 +80,7 @@ const wchar_t* HostApplicationName(void) {
     return L"Test";
 }
 int HostMessageBox(HWND owner, const wchar_t* text, UINT style) {
-    g_boxes.push_back({owner, text, style, {}});
+    g_boxes.push_back({owner, text, style});
     return IDOK;
 }
 void HostHelp(HWND owner, DWORD context, DWORD_PTR) {
@@ -145,17 +145,6 @@ void Push(HWND dialog, UINT id) {
     SendDlgItemMessageW(dialog, static_cast<int>(id), BM_CLICK, 0, 0);
 }
 
-void AnswerBox(HWND box) {
-    wchar_t caption[128] = {}, text[512] = {};
-    GetWindowTextW(box, caption, static_cast<int>(std::size(caption)));
-    for (HWND part = nullptr; *text == L'\0';) {
-        part = FindWindowExW(box, part, L"Static", nullptr);
-        if (part == nullptr) break;
-        GetWindowTextW(part, text, static_cast<int>(std::size(text)));
-    }
-    g_boxes.push_back({GetWindow(box, GW_OWNER), text, 0, caption});
-    Push(box, IDOK);
-}
 std::vector<Box> TakeBoxes() {
     return std::exchange(g_boxes, {});
 }

@@ -33,11 +33,8 @@ struct Box {
     HWND owner;
     std::wstring text;
     UINT style;
-    std::wstring caption;  // of a box of the system
 };
 std::vector<Box> TakeBoxes();
-// A step: the box of the system in front is written down among the others and answered with OK.
-void AnswerBox(HWND box);
 struct Help {
     HWND owner;
     DWORD context;

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <numeric>
 
-#include "host/WhiteSpace.h"
-
 namespace listtable {
 namespace {
 
@@ -96,9 +94,7 @@ std::optional<int> GetNeighbourTarget(int rowCount, const std::vector<int>& rows
 
 std::wstring GetOneLine(std::wstring_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(kLineEnds), text.size()));
-    text = text.substr(0, text.find_first_of(kLineEnds));
-    const size_t first = std::min(text.find_first_not_of(host::kWhiteSpace), text.size());
-    std::wstring line(text.substr(first, text.find_last_not_of(host::kWhiteSpace) + 1 - first));
+    std::wstring line(text.substr(0, text.find_first_of(kLineEnds)));
     // Cells of a spreadsheet come with tabs between them; an edit control has no use for them.
     std::replace(line.begin(), line.end(), L'\t', L' ');
     return line;

@@ -32,8 +32,7 @@ std::optional<std::vector<int>> GetMovedOrder(int rowCount, int target, const st
 // The target one row up or down for rows that move together; nothing when they are at the end already.
 std::optional<int> GetNeighbourTarget(int rowCount, const std::vector<int>& rows, bool up);
 
-// The line of a text that goes into a cell: line ends before it are skipped, what follows it is cut off, and so is the
-// white space around it, with which numbers come from spreadsheets and web pages.
+// The line of a text that goes into a cell: line ends before it are skipped, and what follows it is cut off.
 std::wstring GetOneLine(std::wstring_view text);
 
 struct CellPosition {
