@@ -28,8 +28,8 @@ TEST(Orientation, EveryPixelGoesToItsPlace) {
                 EXPECT_EQ(page->palette, stored->palette);
                 uint32_t wrong = 0;
                 for (uint32_t y = 0; y < page->Height(); ++y) {
-                    if (bits == 1 && page->Width() % 8 != 0)
-                        wrong += ColourAt(*page, page->Width(), y) != 0;  // padding
+                    const uint32_t end = bits <= 8 ? (page->Width() * bits + 31) / 32 * 32 / bits : 0;
+                    for (uint32_t x = page->Width(); x < end; ++x) wrong += ColourAt(*page, x, y) != 0;  // padding
                     for (uint32_t x = 0; x < page->Width(); ++x) {
                         const uint32_t column = turn.transposed ? y : x;
                         const uint32_t row = turn.transposed ? x : y;
