@@ -156,7 +156,7 @@ void Repaint() {
             last = control.Insert(test::MakeRect(left, top, left + 60, top + 40));
         }
         control.folium->UpdateView();
-        control.Pump();
+        test::Wait();
         for (int run = 0; run < 7; ++run) {
             const double time = TimeOf(repaint, 3);
             std::printf("pair\tsize-shapes\t%d\t%.0f\t1\n", areas, time);
@@ -165,7 +165,7 @@ void Repaint() {
     }
     control.folium->SelectRect(last);
     control.folium->UpdateView();
-    control.Pump();
+    test::Wait();
     const FoliumRect before = control.At(last);
     POINT at = control.OnScreen({(before.left + before.right) / 2, (before.top + before.bottom) / 2});
     ScreenToClient(control.Window(), &at);
@@ -196,7 +196,7 @@ void Repaint() {
     at.x += 20;
     send(WM_MOUSEMOVE, MK_LBUTTON);
     send(WM_LBUTTONUP, 0);
-    control.Pump();
+    test::Wait();
     const FoliumRect after = control.At(last);
     Require(after.left != before.left || after.top != before.top, "the area was not dragged");
     Tell("repaint-part", "largest part of the window that a step touches", touched);
@@ -257,8 +257,7 @@ void PageTurn() {
     const test::FoliumLibrary library;
     test::ControlHarness control;
     control.SetUp();
-    const FoliumZoom whole = {kFoliumZoomWholePage, 0};
-    control.folium->SetZoom(&whole);
+    control.SetZoom(kFoliumZoomWholePage);
     RECT client = {};
     GetClientRect(control.Window(), &client);
     const auto ours = [&] {

@@ -1,11 +1,8 @@
 #include "folium/ControlHarness.h"
 
 #include <ole2.h>
-#include <oleacc.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <utility>
 
 #include "win32/ControlHost.h"
@@ -19,6 +16,7 @@ namespace test {
 namespace {
 
 constexpr wchar_t kFrameClass[] = L"FoliumTestFrame";
+
 // COM for the thread of all tests.
 class Environment final : public testing::Environment {
     void SetUp() override {
@@ -44,6 +42,33 @@ FoliumCounts FoliumLibrary::Counts() const {
     return counts;
 }
 
+MemoryPicture::MemoryPicture(LONG width, LONG height)
+    : m_dc(CreateCompatibleDC(nullptr)), m_count(static_cast<size_t>(width) * static_cast<size_t>(height)) {
+    BITMAPINFO info = {};
+    info.bmiHeader = {sizeof info.bmiHeader, width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    m_before = SelectObject(m_dc, CreateDIBSection(m_dc, &info, DIB_RGB_COLORS, &m_bits, nullptr, 0));
+}
+
+MemoryPicture::~MemoryPicture() {
+    DeleteObject(SelectObject(m_dc, m_before));
+    DeleteDC(m_dc);
+}
+
+std::vector<uint32_t> MemoryPicture::Pixels() const {
+    GdiFlush();
+    const auto* const bits = static_cast<const uint32_t*>(m_bits);
+    std::vector<uint32_t> pixels(bits, bits + m_count);
+    for (uint32_t& pixel : pixels) pixel &= 0xffffff;
+    return pixels;
+}
+
+int ControlHarness::Scaled(int pixels) {
+    const HDC screen = GetDC(nullptr);
+    const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
+    ReleaseDC(nullptr, screen);
+    return MulDiv(pixels, dpi, 96);
+}
+
 // Writes down what it is told.
 class ControlHarness::Sink final : public com::Object<com::NoDispatch<IDispatch>> {
 public:
@@ -62,7 +87,6 @@ public:
                 m_harness.m_pointer = {argument(0), argument(1)};
                 break;
             case kFoliumContextMenuRequested:
-                m_harness.m_menuId = argument(0);
                 m_harness.m_menuPlace = {argument(1), argument(2)};
                 Tell("menu", argument(0));
                 break;
@@ -93,6 +117,7 @@ HWND ControlHarness::SharedFrame() {
         return CreateWindowExW(WS_EX_CONTROLPARENT | WS_EX_TOPMOST, kFrameClass, L"Folium test", WS_POPUP | WS_VISIBLE,
                                40, 40, Scaled(500), Scaled(640), nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
     }();
+    SetFrame(frame);
     return frame;
 }
 
@@ -103,10 +128,6 @@ ControlHarness::ControlHarness() : m_frame(SharedFrame()) {
     m_button = CreateWindowExW(0, L"BUTTON", L"Button", WS_CHILD | WS_VISIBLE | WS_TABSTOP, 0, Scaled(600), Scaled(100),
                                Scaled(30), m_frame, nullptr, nullptr, nullptr);
     const ComPtr<IUnknown> control = win32::GetControlUnknown(m_host);
-    if (control == nullptr) {
-        std::fprintf(stderr, "the container has no control\n");
-        std::abort();
-    }
     control.GetInterfacePtr()->QueryInterface(&folium);
     EnumChildWindows(m_host, FindControl, reinterpret_cast<LPARAM>(&m_window));
     ComPtr<IConnectionPointContainer> container;
@@ -115,7 +136,8 @@ ControlHarness::ControlHarness() : m_frame(SharedFrame()) {
     const ComPtr<IDispatch> sink(new Sink(*this), false);
     EXPECT_EQ(m_point->Advise(sink, &m_cookie), S_OK);
     SetForegroundWindow(m_frame);
-    Focus();
+    SetFocus(m_window);
+    Wait();
 }
 
 ControlHarness::~ControlHarness() {
@@ -143,15 +165,19 @@ LRESULT CALLBACK ControlHarness::FrameProc(HWND window, UINT message, WPARAM wPa
 
 void ControlHarness::SetUp(LONG mode) {
     const FoliumDisplayOptions options = {RGB(224, 224, 224), RGB(255, 0, 0), RGB(255, 200, 0), 0, 0, 0, 0, 1};
-    const FoliumZoom zoom = {kFoliumZoomPercent, 100};
     folium->SetDisplayOptions(&options);
-    folium->SetZoom(&zoom);
+    SetZoom(kFoliumZoomPercent, 100);
     folium->SetMode(mode);
     LONGLONG unused = 0;
     EXPECT_EQ(folium->ShowPage(MakePage({2100, 2970}, 827, 1169), &unused), S_OK);
     folium->UpdateView();
-    Pump();
+    Wait();
     Told();
+}
+
+void ControlHarness::SetZoom(LONG mode, LONG percent) {
+    const FoliumZoom zoom = {mode, percent};
+    EXPECT_EQ(folium->SetZoom(&zoom), S_OK);
 }
 
 LONG ControlHarness::Insert(const FoliumRect& rect) {
@@ -167,57 +193,48 @@ FoliumRect ControlHarness::At(LONG id) {
     return rect;
 }
 
+// At 100 % and not scrolled: the page has a margin of 8 pixels.
+POINT ControlHarness::OnScreen(POINT page) const {
+    const auto convert = [](LONG units) { return Scaled(8) + static_cast<LONG>(units * Scaled(96) / 254.0 + 0.5); };
+    POINT point = {convert(page.x), convert(page.y)};
+    ClientToScreen(m_window, &point);
+    return point;
+}
+
+ComPtr<IAccessible> ControlHarness::Accessible() const {
+    ComPtr<IAccessible> accessible;
+    EXPECT_EQ(AccessibleObjectFromWindow(m_window, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible),
+                                         reinterpret_cast<void**>(&accessible)),
+              S_OK);
+    return accessible;
+}
+
 RECT ControlHarness::Location(LONG child) const {
-    IAccessible* accessible = nullptr;
-    const HRESULT status = AccessibleObjectFromWindow(m_window, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible),
-                                                      reinterpret_cast<void**>(&accessible));
-    EXPECT_EQ(status, S_OK);
-    if (FAILED(status)) return {};
-    VARIANT number = {};
-    V_VT(&number) = VT_I4;
-    V_I4(&number) = child;
     LONG left = 0, top = 0, width = 0, height = 0;
-    EXPECT_EQ(accessible->accLocation(&left, &top, &width, &height, number), S_OK);
-    accessible->Release();
+    EXPECT_EQ(Accessible()->accLocation(&left, &top, &width, &height, _variant_t(child)), S_OK);
     return {left, top, left + width, top + height};
 }
 
 void ControlHarness::Resize(int width, int height) {
     SetWindowPos(m_host, nullptr, 0, 0, Scaled(width), Scaled(height), SWP_NOMOVE | SWP_NOZORDER);
-    Pump();
+    Wait();
 }
 
-void ControlHarness::Focus() {
-    SetFocus(m_window);
-    Pump();
-}
-
-std::vector<uint32_t> ControlHarness::Pixels(SIZE& size) {
-    Pump();
+std::vector<uint32_t> ControlHarness::Pixels() const {
+    Wait();
     RECT rect = {};
     GetClientRect(m_window, &rect);
-    size = {rect.right, rect.bottom};
-    std::vector<uint32_t> pixels(static_cast<size_t>(rect.right) * static_cast<size_t>(rect.bottom));
-    const HDC window = GetDC(m_window), memory = CreateCompatibleDC(window);
-    const HBITMAP bitmap = CreateCompatibleBitmap(window, rect.right, rect.bottom);
-    const HGDIOBJ before = SelectObject(memory, bitmap);
-    BitBlt(memory, 0, 0, rect.right, rect.bottom, window, 0, 0, SRCCOPY);
-    SelectObject(memory, before);
-    BITMAPINFO info = {};
-    info.bmiHeader = {sizeof info.bmiHeader, rect.right, -rect.bottom, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-    GetDIBits(memory, bitmap, 0, static_cast<UINT>(rect.bottom), pixels.data(), &info, DIB_RGB_COLORS);
-    DeleteObject(bitmap);
-    DeleteDC(memory);
+    const MemoryPicture picture(rect.right, rect.bottom);
+    const HDC window = GetDC(m_window);
+    BitBlt(picture.Dc(), 0, 0, rect.right, rect.bottom, window, 0, 0, SRCCOPY);
     ReleaseDC(m_window, window);
-    for (uint32_t& pixel : pixels) pixel &= 0xffffff;
-    return pixels;
+    return picture.Pixels();
 }
 
 int ControlHarness::PixelsOf(COLORREF color) {
     const uint32_t wanted = static_cast<uint32_t>(GetRValue(color)) << 16 |
                             static_cast<uint32_t>(GetGValue(color)) << 8 | static_cast<uint32_t>(GetBValue(color));
-    SIZE size = {};
-    const std::vector<uint32_t> pixels = Pixels(size);
+    const std::vector<uint32_t> pixels = Pixels();
     return static_cast<int>(std::count(pixels.begin(), pixels.end(), wanted));
 }
 

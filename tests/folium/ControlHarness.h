@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <oleacc.h>
+
 #include <functional>
 #include <memory>
 #include <string>
@@ -16,6 +18,7 @@
 #include "refhost/documents/PixelAccess.h"
 #include "refhost/folium/FoliumCounts.h"
 #include "win32/ComPtr.h"
+#include "win32/DialogScript.h"
 
 inline bool operator==(const FoliumRect& a, const FoliumRect& b) {
     return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
@@ -49,13 +52,28 @@ private:
     com::ClassRegistration m_classes;
 };
 
+// A picture in memory, 0x00RRGGBB from top to bottom.
+class MemoryPicture {
+public:
+    MemoryPicture(LONG width, LONG height);
+    ~MemoryPicture();
+    MemoryPicture(const MemoryPicture&) = delete;
+    MemoryPicture& operator=(const MemoryPicture&) = delete;
+    HDC Dc() const { return m_dc; }
+    std::vector<uint32_t> Pixels() const;
+
+private:
+    HDC m_dc;
+    HGDIOBJ m_before;
+    void* m_bits = nullptr;
+    size_t m_count;
+};
+
 class ControlHarness {
 public:
     // Pixels of a length given for 96 dots per inch: the tests hold at any scaling of the screen.
     static int Scaled(int pixels);
 
-    // The window around, one for all.
-    static HWND SharedFrame();
     ControlHarness();
     ~ControlHarness();
     ControlHarness(const ControlHarness&) = delete;
@@ -63,6 +81,7 @@ public:
 
     // A4 at 100 %, editable, history started.
     void SetUp(LONG mode = 1);
+    void SetZoom(LONG mode, LONG percent = 0);
     LONG Insert(const FoliumRect& rect);
     FoliumRect At(LONG id);
     // Events since the last call, without the pointer's moves: "added1 selected1".
@@ -71,46 +90,35 @@ public:
     std::vector<int> Commands() { return std::exchange(m_commands, {}); }
     POINT Pointer() const { return m_pointer; }
     POINT MenuPlace() const { return m_menuPlace; }
-    LONG MenuId() const { return m_menuId; }
     std::function<void(DISPID, LONG)> onEvent;
 
     // Where a place of the page is, at 100 % and not scrolled.
     POINT OnScreen(POINT page) const;
     // Where a rectangle is, for screen readers; 1 is the first one.
     RECT Location(LONG child) const;
-    void MoveTo(POINT screen);
-    void MouseDown(DWORD flag = MOUSEEVENTF_LEFTDOWN) { Mouse(flag, 0); }
-    void MouseUp(DWORD flag = MOUSEEVENTF_LEFTUP) { Mouse(flag, 0); }
-    void Click(POINT page, DWORD down = MOUSEEVENTF_LEFTDOWN, DWORD up = MOUSEEVENTF_LEFTUP);
-    void DragFromTo(POINT from, POINT to);
-    void DragPixels(POINT screenFrom, int dx, int dy);
-    void Wheel(int notches) { Mouse(MOUSEEVENTF_WHEEL, static_cast<DWORD>(notches * WHEEL_DELTA)); }
-    void Key(WORD key, int times = 1);
-    void Press(WORD key) { SendKey(key, 0); }
-    void Hold(WORD key);
-    void LetGo(WORD key) { SendKey(key, KEYEVENTF_KEYUP); }
-    void KeyWith(WORD modifier, WORD key);
-    void Pump();
+    ComPtr<IAccessible> Accessible() const;
+    // Of places of the page.
+    void Drag(POINT from, POINT to) const { test::Drag(OnScreen(from), OnScreen(to)); }
+    void Click(POINT page) const { test::Click(OnScreen(page)); }
+    void RightClick(POINT page) const { test::Click(OnScreen(page), MOUSEEVENTF_RIGHTDOWN, MOUSEEVENTF_RIGHTUP); }
     void Resize(int width, int height);
-    void Focus();
     // Ends the window as a container does.
     void DestroyWindows();
     bool HasScrollBar(LONG style) const { return (GetWindowLongW(Window(), GWL_STYLE) & style) != 0; }
+    int Scrolled() const { return GetScrollPos(m_window, SB_VERT); }
     // How many pixels of the control have this colour on the screen.
     int PixelsOf(COLORREF color);
-    // 0x00RRGGBB, as they are on the screen.
-    std::vector<uint32_t> Pixels(SIZE& size);
+    // As they are on the screen.
+    std::vector<uint32_t> Pixels() const;
 
     HWND Window() const { return m_window; }
     HWND Button() const { return m_button; }
-    HWND Frame() const { return m_frame; }
     ComPtr<IFolium> folium;
 
 private:
     class Sink;
+    static HWND SharedFrame();
     static LRESULT CALLBACK FrameProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-    void Mouse(DWORD flags, DWORD data);
-    void SendKey(WORD key, DWORD flags);
 
     HWND m_frame = nullptr, m_host = nullptr, m_button = nullptr, m_window = nullptr;
     ComPtr<IConnectionPoint> m_point;
@@ -118,7 +126,6 @@ private:
     std::string m_told;
     std::vector<int> m_commands;
     POINT m_pointer = {}, m_menuPlace = {};
-    LONG m_menuId = -1;
 };
 
 }  // namespace test

@@ -1,9 +1,9 @@
 // What the control shows, what programs may ask of it, and what it leaves behind.
-#include <oleacc.h>
 #include <oleidl.h>
 #include <psapi.h>
 
 #include "folium/ControlHarness.h"
+#include "host/PageImage.h"
 #include "win32/ControlHost.h"
 
 namespace test {
@@ -22,14 +22,12 @@ TEST_F(ControlView, BadArgumentsAreRefused) {
     const FoliumRect rect = {};
     FoliumRect out = {};
     LONG newId = 5;
-    const FoliumZoom zooms[] = {{4, 0}, {-1, 0}, {kFoliumZoomPercent, 0}, {kFoliumZoomPercent, INT32_MAX}};
+    const FoliumZoom zooms[] = {{4, 0}, {kFoliumZoomPercent, INT32_MAX}};
     const std::pair<HRESULT, HRESULT> results[] = {
         {folium->ShowPage(nullptr, nullptr), E_POINTER},
         {folium->SetZoom(nullptr), E_POINTER},
         {folium->SetZoom(&zooms[0]), E_INVALIDARG},
         {folium->SetZoom(&zooms[1]), E_INVALIDARG},
-        {folium->SetZoom(&zooms[2]), E_INVALIDARG},
-        {folium->SetZoom(&zooms[3]), E_INVALIDARG},
         {folium->GetDisplayOptions(nullptr), E_POINTER},
         {folium->SetDisplayOptions(nullptr), E_POINTER},
         {folium->InsertRect(nullptr, &newId), E_POINTER},
@@ -84,14 +82,37 @@ TEST_F(ControlView, PagesThatCannotBeShownLeaveTheLastOne) {
     control.SetUp();
     control.Insert(MakeRect(100, 100, 500, 500));
     const RECT before = control.Location(1);
-    EXPECT_EQ(control.folium->ShowPage(MakeBadPage(E_FAIL, {2100, 2970}, S_OK), nullptr), E_FAIL);
-    EXPECT_EQ(control.folium->ShowPage(MakeBadPage(S_OK, {0, 2970}, S_OK), nullptr), E_INVALIDARG);
-    EXPECT_EQ(control.folium->ShowPage(MakeBadPage(S_OK, {21, -2}, S_OK), nullptr), E_INVALIDARG);
-    EXPECT_EQ(control.folium->ShowPage(MakeBadPage(S_OK, {21, 29}, E_OUTOFMEMORY), nullptr), E_OUTOFMEMORY);
-    control.Pump();
+    const struct {
+        HRESULT sizeStatus;
+        SIZE size;
+        HRESULT pixelStatus, status;
+    } pages[] = {{E_FAIL, {2100, 2970}, S_OK, E_FAIL},
+                 {S_OK, {0, 2970}, S_OK, E_INVALIDARG},
+                 {S_OK, {21, -2}, S_OK, E_INVALIDARG},
+                 {S_OK, {21, 29}, E_OUTOFMEMORY, E_OUTOFMEMORY}};
+    for (const auto& page : pages) {
+        EXPECT_EQ(control.folium->ShowPage(MakeBadPage(page.sizeStatus, page.size, page.pixelStatus), nullptr),
+                  page.status);
+    }
+    Wait();
     const RECT after = control.Location(1);
     EXPECT_TRUE(EqualRect(&before, &after));
     EXPECT_EQ(LivePages(), 1);
+}
+
+// A page without an image is known by another interface, and stays what it is when its owner asks for that.
+TEST_F(ControlView, ShowsABlankPageByItsOtherInterface) {
+    const com::ClassRegistration documents(L"HostDocuments.dll", {host::kClsidPageImage});
+    control.SetUp();
+    ComPtr<IImageLoader> loader;
+    ASSERT_EQ(loader.CreateInstance(host::kClsidPageImage), S_OK);
+    ASSERT_EQ(loader->CreateBlank(2159, 2794, 200, 200, 0), S_OK);
+    void* page = nullptr;
+    ASSERT_EQ(loader.GetInterfacePtr()->QueryInterface(host::kIidBlankPageImage, &page), S_OK);
+    EXPECT_EQ(control.folium->ShowPage(static_cast<IPageImage*>(page), nullptr), S_OK);
+    static_cast<IPageImage*>(page)->Release();
+    EXPECT_GT(control.PixelsOf(RGB(255, 255, 255)), 100000);
+    control.folium->ShowPage(MakePage({2100, 2970}), nullptr);
 }
 
 TEST_F(ControlView, AnyPageIsShownAndRectanglesStay) {
@@ -103,10 +124,9 @@ TEST_F(ControlView, AnyPageIsShownAndRectanglesStay) {
     } const pages[] = {{{2100, 2970}, 0, 0, 24},        {{1, 1}, 1, 1, 1},          {{762000, 762000}, 30000, 30000, 1},
                        {{7938, 7938}, 30000, 30000, 8}, {{INT32_MAX, 3}, 5, 5, 32}, {{500, 500}, 40, 40, 8}};
     for (const auto& page : pages) {
-        const FoliumZoom zooms[] = {{0, 0}, {1, 0}, {2, 0}, {3, 200}, {3, 6400}};
         EXPECT_EQ(control.folium->ShowPage(MakePage(page.size, page.width, page.height, page.bits), nullptr), S_OK);
-        for (const FoliumZoom& zoom : zooms) {
-            EXPECT_EQ(control.folium->SetZoom(&zoom), S_OK);
+        for (const auto& [mode, percent] : {std::pair{0, 0}, std::pair{1, 0}, std::pair{2, 0}, std::pair{3, 6400}}) {
+            control.SetZoom(mode, percent);
             RedrawWindow(control.Window(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
         }
         EXPECT_EQ(control.At(id), MakeRect(100, 100, 2000, 2500));
@@ -116,8 +136,7 @@ TEST_F(ControlView, AnyPageIsShownAndRectanglesStay) {
     EXPECT_LT(memory.PeakWorkingSetSize, size_t{400} << 20);
     EXPECT_EQ(control.Told(), "");
     EXPECT_EQ(LivePages(), 1) << "only the page shown is held";
-    const FoliumZoom whole = {kFoliumZoomWholePage, 0};
-    control.folium->SetZoom(&whole);
+    control.SetZoom(kFoliumZoomWholePage);
     EXPECT_GT(control.PixelsOf(RGB(255, 200, 0)), 50) << "what lies beside the page is drawn, broken";
 }
 
@@ -128,25 +147,22 @@ TEST_F(ControlView, ScrollBarsOnlyWhereNeededAndFitFollows) {
         FoliumZoomMode mode;
         int width, height;
         bool bars[2];
-    } const cases[] = {
-        {kFoliumZoomWholePage, 500, 600, {false, false}},  {kFoliumZoomPageWidth, 500, 300, {false, true}},
-        {kFoliumZoomPageWidth, 200, 600, {false, false}},  {kFoliumZoomPageHeight, 200, 600, {true, false}},
-        {kFoliumZoomPageHeight, 500, 300, {false, false}}, {kFoliumZoomWholePage, 90, 50, {false, false}}};
+    } const cases[] = {{kFoliumZoomWholePage, 500, 600, {false, false}},
+                       {kFoliumZoomPageWidth, 500, 300, {false, true}},
+                       {kFoliumZoomPageHeight, 200, 600, {true, false}},
+                       {kFoliumZoomWholePage, 90, 50, {false, false}}};
     control.Insert(MakeRect(0, 0, 2100, 2970));
     for (const auto& test : cases) {
-        const FoliumZoom zoom = {test.mode, 0};
-        control.folium->SetZoom(&zoom);
+        control.SetZoom(test.mode);
         control.Resize(test.width, test.height);
         EXPECT_EQ(control.HasScrollBar(WS_HSCROLL), test.bars[0]) << test.mode << ' ' << test.width;
         EXPECT_EQ(control.HasScrollBar(WS_VSCROLL), test.bars[1]) << test.mode << ' ' << test.width;
         RECT client = {};
         GetClientRect(control.Window(), &client);
         const RECT page = control.Location(1);
-        const bool fitsWidth = page.right - page.left == client.right - 2 * ControlHarness::Scaled(8);
-        const bool fitsHeight = page.bottom - page.top == client.bottom - 2 * ControlHarness::Scaled(8);
-        EXPECT_TRUE(test.mode == kFoliumZoomPageHeight  ? fitsHeight
-                    : test.mode == kFoliumZoomPageWidth ? fitsWidth
-                                                        : fitsWidth || fitsHeight)
+        const int margins = 2 * ControlHarness::Scaled(8);
+        EXPECT_TRUE(page.right - page.left == client.right - margins ||
+                    page.bottom - page.top == client.bottom - margins)
             << test.mode << ' ' << test.width;
     }
 }
@@ -155,64 +171,45 @@ TEST_F(ControlView, ScrollBarsOnlyWhereNeededAndFitFollows) {
 TEST_F(ControlView, PaintsOnceAndScalesOnce) {
     control.SetUp();
     const LONG id = control.Insert(MakeRect(300, 300, 600, 500));
-    control.Pump();
+    Wait();
     FoliumCounts before = library.Counts();
     control.folium->ShowPage(MakePage({2100, 2970}, 827, 1169, 24), nullptr);
     InvalidateRect(control.Window(), nullptr, TRUE);
     UpdateWindow(control.Window());
-    control.Pump();
+    Wait();
     EXPECT_EQ(library.Counts().paints - before.paints, 1);
-    const HDC dc = GetDC(control.Window());
-    EXPECT_EQ(SendMessageW(control.Window(), WM_ERASEBKGND, reinterpret_cast<WPARAM>(dc), 0), 1);
-    ReleaseDC(control.Window(), dc);
+    EXPECT_EQ(SendMessageW(control.Window(), WM_ERASEBKGND, 0, 0), 1);
 
-    for (int i = 0; i < 4; ++i) control.Wheel(-5);
-    for (int i = 0; i < 4; ++i) control.Wheel(5);
-    before = library.Counts();
-    for (int i = 0; i < 4; ++i) control.Wheel(-5);
-    for (int i = 0; i < 4; ++i) control.Wheel(5);
+    for (int round = 0; round < 2; ++round) {
+        before = library.Counts();
+        Wheel(-20);
+        Wheel(20);
+    }
     control.folium->SelectRect(id);
-    control.DragFromTo({450, 400}, {700, 900});
-    control.DragFromTo({800, 800}, {900, 900});
-    control.Pump();
+    control.Drag({450, 400}, {700, 900});
     const FoliumCounts after = library.Counts();
     EXPECT_EQ(after.tilesScaled, before.tilesScaled);
     EXPECT_GT(after.paints, before.paints);
 }
 
-TEST_F(ControlView, DraggingLeavesNoTraces) {
+TEST_F(ControlView, LeavesNoTracesAndPrintsWhatItShows) {
     control.SetUp();
     control.Insert(MakeRect(300, 300, 600, 500));
     control.Insert(MakeRect(500, 400, 505, 900));
-    SIZE size = {};
-    control.DragFromTo({450, 350}, {700, 900});
-    control.KeyWith(VK_CONTROL, 'Z');
-    control.Key(VK_RETURN);
-    control.KeyWith(VK_SHIFT, VK_RIGHT);
-    control.Key(VK_ESCAPE);
+    control.Drag({450, 350}, {700, 900});
+    Key('Z', VK_CONTROL);
+    Key(VK_RETURN);
+    Key(VK_RIGHT, VK_SHIFT);
+    Key(VK_ESCAPE);
     control.Click({1100, 1300});
-    const auto painted = control.Pixels(size);
+    const auto painted = control.Pixels();
     InvalidateRect(control.Window(), nullptr, FALSE);
-    EXPECT_EQ(control.Pixels(size), painted) << "the screen is as a full paint gives it";
-}
-
-TEST_F(ControlView, PrintsWhatItShows) {
-    control.SetUp();
-    control.Insert(MakeRect(300, 300, 600, 500));
-    SIZE size = {};
-    const auto painted = control.Pixels(size);
-    const HDC dc = CreateCompatibleDC(nullptr);
-    BITMAPINFO info = {};
-    info.bmiHeader = {sizeof info.bmiHeader, size.cx, -size.cy, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-    uint32_t* bits = nullptr;
-    const HBITMAP bitmap = CreateDIBSection(dc, &info, DIB_RGB_COLORS, reinterpret_cast<void**>(&bits), nullptr, 0);
-    const HGDIOBJ before = SelectObject(dc, bitmap);
-    SendMessageW(control.Window(), WM_PRINTCLIENT, reinterpret_cast<WPARAM>(dc), PRF_CLIENT);
-    GdiFlush();
-    EXPECT_EQ(std::vector<uint32_t>(bits, bits + painted.size()), painted);
-    SelectObject(dc, before);
-    DeleteObject(bitmap);
-    DeleteDC(dc);
+    EXPECT_EQ(control.Pixels(), painted) << "the screen is as a full paint gives it";
+    RECT rect = {};
+    GetClientRect(control.Window(), &rect);
+    const MemoryPicture picture(rect.right, rect.bottom);
+    SendMessageW(control.Window(), WM_PRINTCLIENT, reinterpret_cast<WPARAM>(picture.Dc()), PRF_CLIENT);
+    EXPECT_EQ(picture.Pixels(), painted);
 }
 
 TEST_F(ControlView, TellsScreenReaders) {
@@ -220,34 +217,27 @@ TEST_F(ControlView, TellsScreenReaders) {
     control.Insert(MakeRect(300, 300, 600, 500));
     control.Insert(MakeRect(700, 700, 900, 900));
     control.folium->SelectRect(2);
-    ComPtr<IAccessible> page;
-    AccessibleObjectFromWindow(control.Window(), static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible),
-                               reinterpret_cast<void**>(&page));
-    ASSERT_NE(page.GetInterfacePtr(), nullptr);
+    const ComPtr<IAccessible> page = control.Accessible();
     LONG count = 0;
     EXPECT_EQ(page->get_accChildCount(&count), S_OK);
     EXPECT_EQ(count, 2);
-    VARIANT second = {}, out = {}, none = {};
-    V_VT(&second) = V_VT(&none) = VT_I4;
-    V_I4(&second) = 2;
-    V_I4(&none) = 3;
-    BSTR name = nullptr;
-    EXPECT_EQ(page->get_accName(second, &name), S_OK);
-    EXPECT_STREQ(name, L"Area 2");
-    SysFreeString(name);
-    EXPECT_EQ(page->get_accValue(second, &name), S_OK);
-    EXPECT_STREQ(name, L"left 70.0, top 70.0, width 20.0, height 20.0 mm");
-    SysFreeString(name);
+    const _variant_t first(1L), second(2L), none(3L);
+    BSTR text = nullptr;
+    EXPECT_EQ(page->get_accName(second, &text), S_OK);
+    EXPECT_STREQ(_bstr_t(text, false), L"Area 2");
+    EXPECT_EQ(page->get_accValue(second, &text), S_OK);
+    EXPECT_STREQ(_bstr_t(text, false), L"left 70.0, top 70.0, width 20.0, height 20.0 mm");
+    _variant_t out;
     EXPECT_EQ(page->get_accState(second, &out), S_OK);
+    EXPECT_EQ(V_VT(&out), VT_I4);
     EXPECT_EQ(V_I4(&out) & STATE_SYSTEM_SELECTED, STATE_SYSTEM_SELECTED);
     const POINT inside = control.OnScreen({450, 400});
     EXPECT_EQ(page->accHitTest(inside.x, inside.y, &out), S_OK);
     EXPECT_EQ(V_I4(&out), 1);
-    V_I4(&second) = 1;
     control.Told();
-    EXPECT_EQ(page->accDoDefaultAction(second), S_OK);
+    EXPECT_EQ(page->accDoDefaultAction(first), S_OK);
     EXPECT_EQ(control.Told(), "selected1");
-    EXPECT_EQ(page->get_accName(none, &name), E_INVALIDARG);
+    EXPECT_EQ(page->get_accName(none, &text), E_INVALIDARG);
     control.DestroyWindows();
     EXPECT_EQ(page->get_accChildCount(&count), CO_E_OBJNOTCONNECTED) << "kept beyond the window";
 }
@@ -291,21 +281,21 @@ TEST_F(ControlView, ServesAnyContainer) {
     EXPECT_EQ(events->GetIDsOfNames(&name, 1, &id), S_OK);
     EXPECT_EQ(id, kFoliumPointerMoved);
 
+    // It is called by the table of its operations alone.
+    UINT infos = 5;
+    ComPtr<IDispatch> dispatch;
+    unknown.GetInterfacePtr()->QueryInterface(&dispatch);
+    EXPECT_EQ(dispatch->GetTypeInfoCount(&infos), S_OK);
+    EXPECT_EQ(infos, 0U);
+
     // Drawn by its container into a picture, without its window.
     ComPtr<IViewObject2> view;
     unknown.GetInterfacePtr()->QueryInterface(&view);
-    const HDC dc = CreateCompatibleDC(nullptr);
-    BITMAPINFO bitmapInfo = {};
-    bitmapInfo.bmiHeader = {sizeof bitmapInfo.bmiHeader, 100, -140, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-    void* bits = nullptr;
-    const HBITMAP bitmap = CreateDIBSection(dc, &bitmapInfo, DIB_RGB_COLORS, &bits, nullptr, 0);
-    const HGDIOBJ before = SelectObject(dc, bitmap);
+    const MemoryPicture picture(100, 140);
     const RECTL bounds = {0, 0, 100, 140};
-    EXPECT_EQ(view->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, dc, &bounds, nullptr, nullptr, 0), S_OK);
-    EXPECT_EQ(static_cast<uint32_t*>(bits)[70 * 100 + 50] & 0xffffff, 0xc0c0c0u);
-    SelectObject(dc, before);
-    DeleteObject(bitmap);
-    DeleteDC(dc);
+    EXPECT_EQ(view->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, picture.Dc(), &bounds, nullptr, nullptr, 0),
+              S_OK);
+    EXPECT_EQ(picture.Pixels()[70 * 100 + 50], 0xc0c0c0U);
 }
 
 TEST_F(ControlView, RegistersAndUnregistersItself) {

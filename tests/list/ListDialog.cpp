@@ -26,29 +26,15 @@ class LibraryEnvironment final : public testing::Environment {
 };
 testing::Environment* const g_class = testing::AddGlobalTestEnvironment(new LibraryEnvironment);
 
-void Mouse(DWORD flags) {
-    INPUT input = {};
-    input.type = INPUT_MOUSE;
-    input.mi.dwFlags = flags;
-    SendInput(1, &input, sizeof(input));
-}
-
 }  // namespace
 
-INT_PTR ListDialog::Play(Steps steps) {
+INT_PTR ListDialog::Play(const Script& script) {
     INT_PTR result = -1;
-    PlayDialog(std::move(steps), [&] {
-        result = DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(kTemplate), nullptr, Proc,
-                                 reinterpret_cast<LPARAM>(this));
-    });
-    m_list.Detach();
-    EXPECT_TRUE(TakeTraces().empty()) << "a failure was swallowed";
-    return result;
-}
-
-INT_PTR ListDialog::Run(const Script& script) {
-    INT_PTR result = -1;
-    PlayScript(script, [&] {
+    const auto playAndClose = [&](HWND dialog) {
+        script(dialog);
+        if (IsWindow(dialog)) EndDialog(dialog, 0);
+    };
+    PlayScript(playAndClose, [&] {
         result = DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(kTemplate), nullptr, Proc,
                                  reinterpret_cast<LPARAM>(this));
     });
@@ -147,28 +133,6 @@ POINT ListDialog::CellPoint(int row, int column) const {
     POINT point = {rect.left + 20, (rect.top + rect.bottom) / 2};
     ClientToScreen(m_list.GetSafeHwnd(), &point);
     return point;
-}
-
-void MouseDown(POINT point) {
-    SetCursorPos(point.x, point.y);
-    Mouse(MOUSEEVENTF_LEFTDOWN);
-}
-
-void MouseMove(POINT point) {
-    SetCursorPos(point.x, point.y);
-}
-
-void MouseUp() {
-    Mouse(MOUSEEVENTF_LEFTUP);
-}
-
-void ClickAt(POINT point) {
-    MouseDown(point);
-    MouseUp();
-}
-
-void Pause(Steps& steps, int count) {
-    for (int step = 0; step < count; ++step) steps.push_back([](HWND) {});
 }
 
 }  // namespace test

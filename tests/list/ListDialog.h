@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "configure/ListTableCtrl.h"
-#include "win32/DialogDriver.h"
 #include "win32/DialogScript.h"
 
 namespace test {
@@ -29,19 +28,13 @@ struct RequestedMove {
 
 enum : int { kListId = 101, kFieldId = 102 };
 
-// The last step.
-inline void Close(HWND dialog) {
-    EndDialog(dialog, 0);
-}
-
 class ListDialog {
 public:
     // Rows: "r0c0", "r0c1", ..., a choice of "", "Total" and "Date", and data 100, 101, ...
     explicit ListDialog(int rows = 4, DWORD style = 0x18000020) : m_rows(rows), m_style(style) {}
 
-    // Shows it, with the focus in the list and row 0 selected when there is one, and plays the steps.
-    INT_PTR Play(Steps steps);
-    INT_PTR Run(const Script& script);
+    // Shows it, with the focus in the list and row 0 selected when there is one, plays the script and closes it with 0.
+    INT_PTR Play(const Script& script);
 
     CListTableCtrl& List() { return m_list; }
     std::wstring Cell(int row, int column) const { return m_list.GetItemText(row, column); }
@@ -70,13 +63,5 @@ private:
     DWORD m_style;
     CListTableCtrl m_list;
 };
-
-// Real mouse buttons at a place on the screen.
-void MouseDown(POINT point);
-void MouseMove(POINT point);
-void MouseUp();
-void ClickAt(POINT point);
-// Steps that do nothing, for what needs a moment.
-void Pause(Steps& steps, int count);
 
 }  // namespace test

@@ -1,30 +1,39 @@
-// ActiveX controls in dialogs and their events.
+// ActiveX controls in dialogs and their events: the page display serves as the control.
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <optional>
 
-#include "FakeActiveX.h"
+#include "host/PageDisplay.h"
+#include "refhost/com/ClassRegistration.h"
+#include "refhost/com/ComObject.h"
 #include "support/TraceRecorder.h"
 #include "test_resource.h"
 #include "win32/Dialog.h"
 #include "win32/DialogDriver.h"
+#include "win32/DialogScript.h"
 
 namespace {
 
-using test::FakeActiveX;
+using win32::ComPtr;
 using win32::EventArguments;
 
-constexpr DISPID kMoved = 12;
-constexpr DISPID kUnknownEvent = 99;
 constexpr CLSID kNotRegistered = {0x6c2c9b47, 0x6a5a, 0x4f0e, {0x9d, 0x0b, 0x0b, 0x6e, 0x2a, 0x1c, 0x7f, 0x33}};
 
 class ControlDlg final : public CDialog {
 public:
-    explicit ControlDlg(const CLSID* classId) : CDialog(IDD_TEST_CONTROL) { m_control.classId = classId; }
+    explicit ControlDlg(const CLSID* classId = &host::kClsidFolium) : CDialog(IDD_TEST_CONTROL) {
+        m_control.classId = classId;
+    }
+    ComPtr<IFolium> Folium() const {
+        ComPtr<IFolium> folium;
+        win32::GetControlUnknown(GetDlgItem(IDC_TEST_CONTROL))->QueryInterface(&folium);
+        return folium;
+    }
+    HWND Inside() const { return GetWindow(GetDlgItem(IDC_TEST_CONTROL), GW_CHILD); }
 
-    win32::HostedControl m_control = {IDC_TEST_CONTROL, nullptr, &test::kFakeControlEvents};
-    std::vector<POINT> m_moves;
+    win32::HostedControl m_control = {IDC_TEST_CONTROL, nullptr, &host::kDiidFoliumEvents};
+    std::vector<POINT> m_menus;
     HRESULT m_fail = S_OK;
 
 protected:
@@ -32,73 +41,71 @@ protected:
     std::span<const win32::HostedControl> GetHostedControls() const override { return {&m_control, 1}; }
     std::span<const win32::EventEntry> GetEventMap() const override {
         static constexpr win32::EventEntry kMap[] = {
-            win32::OnPointerEvent<&ControlDlg::OnMoved>(IDC_TEST_CONTROL, kMoved)};
+            win32::OnPointerEvent<&ControlDlg::OnMenu>(IDC_TEST_CONTROL, kFoliumContextMenuRequested),
+            win32::OnEvent<&ControlDlg::OnMenu>(IDC_TEST_CONTROL, kFoliumRectAdded)};
         return kMap;
     }
 
 private:
-    void OnMoved(LONG x, LONG y) {
+    void OnMenu(LONG, LONG x, LONG y) {
         if (FAILED(m_fail)) throw _com_error(m_fail);
-        m_moves.push_back({x, y});
+        m_menus.push_back({x, y});
     }
 };
 
 class Controls : public testing::Test {
 protected:
-    Controls() {
-        IUnknown* factory = nullptr;
-        com::Create<com::Factory<FakeActiveX>>(IID_IUnknown, reinterpret_cast<void**>(&factory));
-        CoRegisterClassObject(test::kFakeControlClass, factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &m_cookie);
-        factory->Release();
-        test::TakeTraces();
-    }
+    Controls() { test::TakeTraces(); }
     ~Controls() override {
-        CoRevokeClassObject(m_cookie);
-        EXPECT_EQ(com::LiveObjects(), 0);
+        EXPECT_TRUE(m_classes.Idle());
         EXPECT_EQ(test::TakeBoxes().size(), 0U);
     }
-
-    DWORD m_cookie = 0;
+    com::ClassRegistration m_classes{L"Folium.dll", {host::kClsidFolium}};
 };
 
 TEST_F(Controls, EventsReachTheirHandlersAndFailuresStayInside) {
-    ControlDlg dialog(&test::kFakeControlClass);
-    test::PlayDialog({[&](HWND) {
-                          FakeActiveX& control = *FakeActiveX::s_last;
-                          EXPECT_EQ(control.Fire(kMoved, {10, -20}), S_OK);
-                          EXPECT_EQ(control.Fire(kUnknownEvent, {1}), S_OK);
-                          ASSERT_EQ(dialog.m_moves.size(), 1U);
-                          EXPECT_EQ(dialog.m_moves[0].x, 10);
-                          EXPECT_EQ(dialog.m_moves[0].y, -20);
-                          EXPECT_EQ(control.Fire(kMoved, {1}), DISP_E_BADPARAMCOUNT);
-                          dialog.m_fail = E_ACCESSDENIED;
-                          for (int i = 0; i < 20; ++i) EXPECT_EQ(control.Fire(kMoved, {1, 2}), E_ACCESSDENIED);
-                          EXPECT_EQ(test::TakeBoxes().size(), 2U) << "one for each cause";
-                      },
-                      test::Cancel},
-                     [&] { EXPECT_EQ(dialog.DoModal(), IDCANCEL); });
+    ControlDlg dialog;
+    test::PlayScript(
+        [&](HWND window) {
+            POINT place = {10, 20};
+            ClientToScreen(dialog.Inside(), &place);
+            const auto menu = [&] { SendMessageW(dialog.Inside(), WM_CONTEXTMENU, 0, MAKELPARAM(place.x, place.y)); };
+            menu();
+            ASSERT_EQ(dialog.m_menus.size(), 1U);
+            EXPECT_EQ(dialog.m_menus[0].x, 10);
+            EXPECT_EQ(dialog.m_menus[0].y, 20);
+            const FoliumRect rect = {0, 0, 1, 2, 30, 40};
+            LONG id = 0;
+            EXPECT_EQ(dialog.Folium()->InsertRect(&rect, &id), S_OK);
+            EXPECT_EQ(test::TakeBoxes().size(), 1U) << "that event has one parameter alone";
+            EXPECT_EQ(dialog.Folium()->SelectRect(id), S_OK) << "an event that nobody handles";
+            dialog.m_fail = E_ACCESSDENIED;
+            for (int i = 0; i < 20; ++i) menu();
+            EXPECT_EQ(test::TakeBoxes().size(), 1U) << "one for each cause";
+            test::Cancel(window);
+        },
+        [&] { EXPECT_EQ(dialog.DoModal(), IDCANCEL); });
+    EXPECT_EQ(test::TakeTraces().size(), 2U);
 }
 
 TEST_F(Controls, TabEntersTheControlAndLeavesIt) {
-    ControlDlg dialog(&test::kFakeControlClass);
-    HWND inside = nullptr;
-    test::PlayDialog(
-        {[](HWND window) { EXPECT_EQ(GetFocus(), GetDlgItem(window, IDOK)); }, [](HWND) { test::PressKey(VK_TAB); },
-         [&](HWND window) {
-             FakeActiveX::s_last->GetWindow(&inside);
-             EXPECT_EQ(GetFocus(), inside);
-             EXPECT_EQ(GetParent(inside), GetDlgItem(window, IDC_TEST_CONTROL));
-         },
-         [](HWND) { test::PressKey(VK_TAB); }, [](HWND window) { EXPECT_EQ(GetFocus(), GetDlgItem(window, IDCANCEL)); },
-         [](HWND) { test::PressKey(VK_TAB, VK_SHIFT); }, [&](HWND) { EXPECT_EQ(GetFocus(), inside); },
-         [](HWND window) { SetWindowPos(GetDlgItem(window, IDC_TEST_CONTROL), nullptr, 0, 0, 33, 44, SWP_NOMOVE); },
-         [&](HWND) {
-             RECT rect = {};
-             GetClientRect(inside, &rect);
-             EXPECT_EQ(rect.right, 33);
-             EXPECT_EQ(rect.bottom, 44);
-         },
-         test::Cancel},
+    ControlDlg dialog;
+    test::PlayScript(
+        [&](HWND window) {
+            EXPECT_EQ(GetFocus(), GetDlgItem(window, IDOK));
+            test::Key(VK_TAB);
+            EXPECT_EQ(GetFocus(), dialog.Inside());
+            test::Key(VK_TAB);
+            EXPECT_EQ(GetFocus(), GetDlgItem(window, IDCANCEL));
+            test::Key(VK_TAB, VK_SHIFT);
+            EXPECT_EQ(GetFocus(), dialog.Inside());
+            SetWindowPos(GetDlgItem(window, IDC_TEST_CONTROL), nullptr, 0, 0, 33, 44, SWP_NOMOVE);
+            RECT rect = {};
+            GetWindowRect(dialog.Inside(), &rect);
+            EXPECT_EQ(rect.right - rect.left, 33);
+            EXPECT_EQ(rect.bottom - rect.top, 44);
+            test::Cancel(window);
+        },
         [&] { dialog.DoModal(); });
 }
 
@@ -107,11 +114,11 @@ TEST_F(Controls, AControlThatCannotBeMadeGivesMinusOne) {
     EXPECT_EQ(dialog.DoModal(), -1);
     EXPECT_EQ(test::TakeTraceTexts(),
               std::vector<std::wstring>{L"ControlDlg: a host object failed with status 0x80040154."});
-    ControlDlg elsewhere(&test::kFakeControlClass);
+    ControlDlg elsewhere;
     elsewhere.m_control.id = IDC_TEST_OTHER;
     EXPECT_EQ(elsewhere.DoModal(), -1);
     // A control that has other events is there, but cannot be listened to.
-    ControlDlg deaf(&test::kFakeControlClass);
+    ControlDlg deaf;
     deaf.m_control.events = &kNotRegistered;
     EXPECT_THROW(deaf.DoModal(), _com_error);
 }
@@ -120,7 +127,7 @@ TEST_F(Controls, MadeInCode) {
     const HWND parent =
         CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 100, 100, nullptr, nullptr, nullptr, nullptr);
     const RECT rect = {1, 2, 31, 42};
-    const HWND host = win32::CreateControl(test::kFakeControlClass, L"Page", WS_VISIBLE, rect, parent, 5);
+    const HWND host = win32::CreateControl(host::kClsidFolium, L"Page", WS_VISIBLE, rect, parent, 5);
     ASSERT_NE(host, nullptr);
     EXPECT_EQ(GetDlgCtrlID(host), 5);
     EXPECT_EQ(GetTextOfWindow(host), L"Page");
@@ -131,17 +138,39 @@ TEST_F(Controls, MadeInCode) {
     DestroyWindow(parent);
 }
 
+// A source of events that never lets go of its listener.
+class EventSource final : public com::Object<IConnectionPointContainer, IConnectionPoint> {
+public:
+    HRESULT STDMETHODCALLTYPE FindConnectionPoint(REFIID, IConnectionPoint** point) override {
+        return QueryInterface(__uuidof(IConnectionPoint), reinterpret_cast<void**>(point));
+    }
+    HRESULT STDMETHODCALLTYPE Advise(IUnknown* sink, DWORD*) override {
+        return sink->QueryInterface(host::kDiidFoliumEvents, reinterpret_cast<void**>(&m_sink));
+    }
+    HRESULT STDMETHODCALLTYPE Unadvise(DWORD) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE EnumConnectionPoints(IEnumConnectionPoints**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE EnumConnections(IEnumConnections**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetConnectionInterface(IID*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetConnectionPointContainer(IConnectionPointContainer**) override { return E_NOTIMPL; }
+    HRESULT Fire() const { return m_sink->Invoke(1, IID_NULL, 0, DISPATCH_METHOD, nullptr, nullptr, nullptr, nullptr); }
+
+private:
+    ComPtr<IDispatch> m_sink;
+};
+
 TEST_F(Controls, ASinkThatIsKeptCallsNobody) {
-    IUnknown* control = nullptr;
-    com::Create<FakeActiveX>(IID_IUnknown, reinterpret_cast<void**>(&control));
+    auto* const source = new EventSource;
+    const ComPtr<IConnectionPoint> owned(source, false);
     int calls = 0;
-    auto connection = std::make_unique<win32::EventConnection>(control, test::kFakeControlEvents,
-                                                               [&](DISPID, const EventArguments&) { ++calls; });
-    EXPECT_EQ(FakeActiveX::s_last->Fire(kMoved, {}), S_OK);
-    EXPECT_EQ(calls, 1);
+    auto connection = std::make_unique<win32::EventConnection>(owned.GetInterfacePtr(), host::kDiidFoliumEvents,
+                                                               [&](DISPID, const EventArguments& arguments) {
+                                                                   if (++calls == 2) arguments.RequireCount(1);
+                                                               });
+    EXPECT_EQ(source->Fire(), S_OK);
+    EXPECT_EQ(source->Fire(), DISP_E_BADPARAMCOUNT);
     connection.reset();
-    EXPECT_FALSE(FakeActiveX::s_last->IsConnected());
-    control->Release();
+    EXPECT_EQ(source->Fire(), S_OK);
+    EXPECT_EQ(calls, 2);
 }
 
 VARIANTARG Argument(VARTYPE type, LONGLONG value) {

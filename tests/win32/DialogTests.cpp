@@ -9,6 +9,7 @@
 #include "support/TraceRecorder.h"
 #include "test_resource.h"
 #include "win32/DialogDriver.h"
+#include "win32/DialogScript.h"
 #include "win32/Resources.h"
 
 namespace {
@@ -67,10 +68,29 @@ protected:
         test::TakeTraces();
     }
     void TearDown() override { EXPECT_EQ(test::TakeBoxes().size(), 0U); }
-};
 
-const auto kOk = [](HWND dialog) { test::Push(dialog, IDOK); };
-const auto kButton = [](HWND dialog) { test::Push(dialog, IDC_TEST_BUTTON); };
+    // Runs the script and cancels.
+    static void Play(TestDlg& dialog, const test::Script& script) {
+        test::PlayScript(
+            [&](HWND window) {
+                script(window);
+                test::Cancel(window);
+            },
+            [&] { EXPECT_EQ(dialog.DoModal(), IDCANCEL); });
+    }
+    static void ExpectOk(TestDlg& dialog, const wchar_t* number = L"1") {
+        test::PlayScript(
+            [&](HWND window) {
+                SetDlgItemTextW(window, IDC_TEST_NUMBER, number);
+                test::Push(window, IDOK);
+            },
+            [&] { EXPECT_EQ(dialog.DoModal(), IDOK) << testing::PrintToString(number); });
+    }
+    static LRESULT Notify(HWND window, UINT code = kCodeWithResult) {
+        NMHDR header = {GetDlgItem(window, IDC_TEST_NUMBER), IDC_TEST_NUMBER, code};
+        return SendMessageW(window, WM_NOTIFY, IDC_TEST_NUMBER, reinterpret_cast<LPARAM>(&header));
+    }
+};
 
 TEST_F(DialogLayer, AnExceptionOfTheInitialisationComesOutOfDoModal) {
     TestDlg dialog;
@@ -89,124 +109,91 @@ TEST_F(DialogLayer, AnExceptionOfTheInitialisationComesOutOfDoModal) {
     EXPECT_THROW(dialog.DoModal(), _com_error);
     // The object is as good as new.
     dialog.m_onInit = nullptr;
-    test::PlayDialog({kOk}, [&] { EXPECT_EQ(dialog.DoModal(), IDOK); });
+    ExpectOk(dialog);
 }
 
-TEST_F(DialogLayer, AFailingCommandIsToldEachTimeAndTheDialogStays) {
+// A command, a key, a double click, an edited cell is told each time; what follows the pointer once for each cause.
+TEST_F(DialogLayer, AFailureIsToldAndTheDialogStays) {
     TestDlg dialog;
     int pressed = 0;
     dialog.m_onButton = [&pressed] {
         if (++pressed <= 2) throw _com_error(REGDB_E_CLASSNOTREG);
         if (pressed == 3) throw std::bad_alloc();
     };
-    test::PlayDialog({kButton, kButton, kButton, kButton, test::Cancel},
-                     [&] { EXPECT_EQ(dialog.DoModal(), IDCANCEL); });
-    const auto boxes = test::TakeBoxes();
-    ASSERT_EQ(boxes.size(), 3U);
-    EXPECT_NE(boxes[0].text.find(L"not registered (error 0x80040154)"), std::wstring::npos) << boxes[0].text.c_str();
-    EXPECT_NE(boxes[2].text.find(L"not enough memory"), std::wstring::npos);
-    EXPECT_EQ(boxes[0].style, static_cast<UINT>(MB_ICONERROR));
-    const auto traces = test::TakeTraces();
-    ASSERT_EQ(traces.size(), 3U);
-    EXPECT_EQ(traces[0].severity, 2);
-    EXPECT_EQ(traces[0].text, L"TestDlg: a host object failed with status 0x80040154.");
-}
-
-// A key, a double click, an edited cell: all of them come as notifications.
-TEST_F(DialogLayer, AFailingNotificationOfTheUserIsToldEachTime) {
-    TestDlg dialog;
     dialog.m_onNotice = [] { throw _com_error(E_FAIL); };
-    const auto notify = [](HWND window) {
-        NMHDR header = {GetDlgItem(window, IDC_TEST_NUMBER), IDC_TEST_NUMBER, kCodeWithResult};
-        SendMessageW(window, WM_NOTIFY, IDC_TEST_NUMBER, reinterpret_cast<LPARAM>(&header));
-    };
-    test::PlayDialog({notify, notify, test::Cancel}, [&] { dialog.DoModal(); });
-    EXPECT_EQ(test::TakeBoxes().size(), 2U);
-    EXPECT_EQ(test::TakeTraces().size(), 2U);
-}
-
-TEST_F(DialogLayer, WhatFollowsThePointerIsToldOncePerCause) {
-    TestDlg dialog;
     HRESULT status = E_FAIL;
     dialog.m_onMessage = [&status] { throw _com_error(status); };
-    const auto moves = [](HWND window) {
-        for (int i = 0; i < 50; ++i) SendMessageW(window, kMessageThatFails, 0, 0);
-    };
-    test::PlayDialog({moves, moves, [&](HWND) { status = E_ACCESSDENIED; }, moves, test::Cancel},
-                     [&] { dialog.DoModal(); });
-    EXPECT_EQ(test::TakeBoxes().size(), 2U);
-    EXPECT_EQ(test::TakeTraces().size(), 2U);
-}
-
-TEST_F(DialogLayer, AFailureWhileClosingIsTracedAndTheResultStands) {
-    TestDlg dialog;
     dialog.m_onDestroy = [] { throw _com_error(E_FAIL); };
-    test::PlayDialog({kOk}, [&] { EXPECT_EQ(dialog.DoModal(), IDOK); });
-    EXPECT_EQ(test::TakeTraces().size(), 1U);
+    Play(dialog, [&](HWND window) {
+        for (int i = 0; i < 4; ++i) test::Push(window, IDC_TEST_BUTTON);
+        const auto boxes = test::TakeBoxes();
+        ASSERT_EQ(boxes.size(), 3U);
+        EXPECT_NE(boxes[0].text.find(L"not registered (error 0x80040154)"), std::wstring::npos);
+        EXPECT_NE(boxes[2].text.find(L"not enough memory"), std::wstring::npos);
+        EXPECT_EQ(boxes[0].style, static_cast<UINT>(MB_ICONERROR));
+        const auto traces = test::TakeTraces();
+        ASSERT_EQ(traces.size(), 3U);
+        EXPECT_EQ(traces[0].severity, 2);
+        EXPECT_EQ(traces[0].text, L"TestDlg: a host object failed with status 0x80040154.");
+
+        for (int i = 0; i < 2; ++i) Notify(window);
+        EXPECT_EQ(test::TakeBoxes().size(), 2U);
+        for (const HRESULT cause : {E_FAIL, E_ACCESSDENIED}) {
+            status = cause;
+            for (int i = 0; i < 50; ++i) SendMessageW(window, kMessageThatFails, 0, 0);
+        }
+        EXPECT_EQ(test::TakeBoxes().size(), 2U);
+        EXPECT_EQ(test::TakeTraces().size(), 4U);
+    });
+    EXPECT_EQ(test::TakeTraces().size(), 1U) << "the failure while closing is traced and the result stands";
 }
 
 TEST_F(DialogLayer, ResultsOfNotificationsReachTheSender) {
     TestDlg dialog;
-    LRESULT known = 0;
-    LRESULT unknown = 1;
-    const auto notify = [&](HWND window) {
-        NMHDR header = {GetDlgItem(window, IDC_TEST_NUMBER), IDC_TEST_NUMBER, kCodeWithResult};
-        known = SendMessageW(window, WM_NOTIFY, IDC_TEST_NUMBER, reinterpret_cast<LPARAM>(&header));
-        header.code = 78;
-        unknown = SendMessageW(window, WM_NOTIFY, IDC_TEST_NUMBER, reinterpret_cast<LPARAM>(&header));
-    };
-    test::PlayDialog({notify, test::Cancel}, [&] { dialog.DoModal(); });
-    EXPECT_EQ(known, 42);
-    EXPECT_EQ(unknown, 0);
+    Play(dialog, [](HWND window) {
+        EXPECT_EQ(Notify(window), 42);
+        EXPECT_EQ(Notify(window, 78), 0);
+    });
 }
 
 TEST_F(DialogLayer, RefusedNumbersKeepTheDialogOpenWithTheFieldSelected) {
     win32::SetApplicationName(L"Scanner");
-    for (const wchar_t* text : {L"", L"  ", L"12a", L"210,5", L"1500.01", L"-1", L"inf", L"nan", L"0x10", L"1e400"}) {
-        TestDlg dialog;
-        HWND focus = nullptr;
-        DWORD selection = 0;
-        test::PlayDialog(
-            {[&](HWND window) { SetDlgItemTextW(window, IDC_TEST_NUMBER, text); }, kButton, kOk, test::AnswerBox,
-             [&](HWND window) {
-                 focus = GetFocus();
-                 EXPECT_EQ(focus, GetDlgItem(window, IDC_TEST_NUMBER));
-                 selection = static_cast<DWORD>(SendMessageW(focus, EM_GETSEL, 0, 0));
-             },
-             test::Cancel},
-            [&] {
-                dialog.m_onButton = [] {};
-                EXPECT_EQ(dialog.DoModal(), IDCANCEL);
-            });
-        EXPECT_EQ(selection, static_cast<DWORD>(MAKELONG(0, wcslen(text))));
-        EXPECT_EQ(dialog.m_fNumber, 1.0F);
-        const auto boxes = test::TakeBoxes();
-        ASSERT_EQ(boxes.size(), 1U) << testing::PrintToString(text);
-        EXPECT_EQ(boxes[0].caption, L"Scanner");
-        EXPECT_EQ(boxes[0].text,
-                  L"Field: please enter a number from 0 to 1500. Write decimals with a point, for example 8.5.");
-    }
-    for (const wchar_t* text : {L"1500", L" 0 ", L"1500.00001", L"1.5e3"}) {
-        TestDlg dialog;
-        test::PlayDialog({[&](HWND window) { SetDlgItemTextW(window, IDC_TEST_NUMBER, text); }, kOk},
-                         [&] { EXPECT_EQ(dialog.DoModal(), IDOK) << testing::PrintToString(text); });
-    }
+    TestDlg dialog;
+    dialog.m_onButton = [] {};
+    Play(dialog, [&](HWND window) {
+        const HWND field = GetDlgItem(window, IDC_TEST_NUMBER);
+        for (const wchar_t* text :
+             {L"", L"  ", L"12a", L"210,5", L"1500.01", L"-1", L"inf", L"nan", L"0x10", L"1e400"}) {
+            SetWindowTextW(field, text);
+            SetFocus(GetDlgItem(window, IDC_TEST_BUTTON));
+            test::Press(window, IDOK);
+            test::AnswerBox(test::TopDialog());
+            test::Wait();
+            EXPECT_EQ(GetFocus(), field);
+            EXPECT_EQ(SendMessageW(field, EM_GETSEL, 0, 0), MAKELONG(0, wcslen(text)));
+            EXPECT_EQ(dialog.m_fNumber, 1.0F);
+            const auto boxes = test::TakeBoxes();
+            ASSERT_EQ(boxes.size(), 1U) << testing::PrintToString(text);
+            EXPECT_EQ(boxes[0].caption, L"Scanner");
+            EXPECT_EQ(boxes[0].text,
+                      L"Field: please enter a number from 0 to 1500. Write decimals with a point, for example 8.5.");
+        }
+    });
+    for (const wchar_t* text : {L"1500", L" 0 ", L"1500.00001", L"1.5e3"}) ExpectOk(dialog, text);
 }
 
 TEST_F(DialogLayer, ADialogWithoutParentIsOwnedByTheOneItIsOpenedFrom) {
     TestDlg outer;
     outer.m_onButton = [&outer] {
         TestDlg inner;
-        test::PlayDialog({[&](HWND window) {
-                              EXPECT_NE(window, outer.GetSafeHwnd());
-                              EXPECT_EQ(GetWindow(window, GW_OWNER), outer.GetSafeHwnd());
-                              EXPECT_FALSE(IsWindowEnabled(outer.GetSafeHwnd()));
-                          },
-                          test::Cancel},
-                         [&] { inner.DoModal(); });
+        Play(inner, [&](HWND window) {
+            EXPECT_NE(window, outer.GetSafeHwnd());
+            EXPECT_EQ(GetWindow(window, GW_OWNER), outer.GetSafeHwnd());
+            EXPECT_FALSE(IsWindowEnabled(outer.GetSafeHwnd()));
+        });
         EXPECT_TRUE(IsWindowEnabled(outer.GetSafeHwnd()));
     };
-    test::PlayDialog({kButton, test::Cancel}, [&] { outer.DoModal(); });
+    Play(outer, [](HWND window) { test::Press(window, IDC_TEST_BUTTON); });
 }
 
 TEST_F(DialogLayer, ATemplateThatCannotBeMadeGivesMinusOne) {

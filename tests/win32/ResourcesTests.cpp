@@ -7,6 +7,7 @@
 #include "test_resource.h"
 #include "win32/Dialog.h"
 #include "win32/DialogDriver.h"
+#include "win32/DialogScript.h"
 
 namespace {
 
@@ -31,11 +32,12 @@ TEST(Resources, ATranslationMayLackSome) {
     const auto titleOf = [](UINT id) {
         std::wstring title;
         TranslatedDlg dialog(id);
-        test::PlayDialog({[&](HWND window) {
-                             title = GetTextOfWindow(window);
-                             test::Push(window, IDCANCEL);
-                         }},
-                         [&] { dialog.DoModal(); });
+        test::PlayScript(
+            [&](HWND window) {
+                title = GetTextOfWindow(window);
+                test::Cancel(window);
+            },
+            [&] { dialog.DoModal(); });
         return title;
     };
     EXPECT_EQ(titleOf(IDD_TEST_PLAIN), L"Schlicht");
