@@ -32,18 +32,6 @@ std::optional<std::vector<Rect>> ParseZones(std::string_view text, const zonhost
     return ParseOrRefuse<std::vector<Rect>>([&] { return zonhost::ParseZones(text, "input", resolution); });
 }
 
-std::string FormatZones(const std::vector<Rect>& zones) {
-    std::string text;
-    for (const Rect& zone : zones) {
-        for (const int64_t number : {int64_t{zone.left}, int64_t{zone.top}, int64_t{zone.right} - zone.left,
-                                     int64_t{zone.bottom} - zone.top}) {
-            text += std::to_string(number) + " ";
-        }
-        text += "label\r\n";
-    }
-    return text;
-}
-
 }  // namespace
 
 void zone_file(Input input) {
@@ -57,7 +45,6 @@ void zone_file(Input input) {
         }
         Require(!zones || zones->size() == scaled->size(), "a resolution changes lengths alone");
     }
-    if (zones) Require(ParseZones(FormatZones(*zones), kTenths) == zones, "zones read back");
 }
 
 void area_set_file(Input input) {

@@ -26,6 +26,7 @@ TEST(ColumnWidths, SharesFillTheListAndComeBack) {
         EXPECT_EQ(listtable::GetPixels(shares, width), pixels) << width;
     }
     EXPECT_EQ(listtable::GetThousandths({10, 20}, 0), (Ints{0, 0}));
+    EXPECT_EQ(listtable::GetThousandths({30000}, 1), (Ints{30000}));
     EXPECT_EQ(listtable::GetPixels({30000, 30000}, 30000), (Ints{30000, 30000}));
 }
 
