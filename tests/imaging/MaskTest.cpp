@@ -24,7 +24,7 @@ const std::vector<std::vector<Area>> kAreaLists = {
     {{13, 7, 14, 8}},                                          // less than a pixel
     {{0, 0, 127, 127}, {127, 0, 254, 127}},                    // side by side
     {{20, 20, 90, 90}, {50, 50, 70, 200}, {55, 10, 60, 300}},  // overlapping
-    {{40, 10, 80, 40}, {0, 60, 200, 90}},                      // one below the other and wider
+    {{40, 5, 80, 15}, {0, 25, 200, 40}},                       // one below the other and wider
     {{50, 5, 50, 90}, {5, 50, 90, 50}},                        // without width, without height
     {{90, 80, 20, 10}},                                        // edges swapped
     {{kMin, kMin, kMax, kMax}},
